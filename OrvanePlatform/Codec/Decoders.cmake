@@ -1,0 +1,6 @@
+set(DECODER_SOURCES
+  DecoderSupport.cpp
+  )
+set(DECODER_TESTS
+  DecoderSupportTests.cpp
+  )

@@ -1,0 +1,261 @@
+#include "AtomicFile.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <random>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace orvane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string quoted(const fs::path& path)
+{
+    return "“" + path.string() + "”";
+}
+
+/// The folder that a name without one is in, too.
+fs::path folderOf(const fs::path& path)
+{
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+Error saveError(const fs::path& target, const std::string& reason)
+{
+    return {quoted(target.filename()) + " couldn't be saved because " + reason + "."};
+}
+
+/// An errno from writing as the reason that a person can do something about.
+std::string writeReason(int code, const fs::path& target)
+{
+    const std::string folder = quoted(folderOf(target));
+    switch (code) {
+    case ENOSPC:
+    case EDQUOT:
+        return "there is no space left in the folder " + folder;
+    case EACCES:
+    case EPERM:
+        return "you don't have permission to write in the folder " + folder;
+    case EROFS:
+        return "the folder " + folder + " is on a disk that can only be read";
+    case ENOENT:
+    case ENOTDIR:
+        return "the folder " + folder + " doesn't exist";
+    case ENAMETOOLONG:
+        return "its name is too long";
+    case EFBIG:
+        return "the file would be larger than the disk in use allows";
+    case EIO:
+        return "the disk of the folder " + folder + " reported an error";
+    default:
+        return "of an error of the system (" + std::generic_category().message(code) + ")";
+    }
+}
+
+/// The end of a chain of symbolic links; it need not exist. Absent for a chain that has no end.
+Result<fs::path> linksFollowed(const fs::path& target)
+{
+    fs::path path = target;
+    std::error_code none;
+    for (int links = 0; fs::is_symlink(fs::symlink_status(path, none)); ++links) {
+        // 40 is the length at which the kernel itself gives up.
+        if (links == 40)
+            return saveError(target, "its links lead in a circle");
+        const fs::path next = fs::read_symlink(path, none);
+        path = next.is_absolute() ? next : folderOf(path) / next;
+    }
+    return path;
+}
+
+/// Creates a file of a fresh name beside the target and answers its descriptor, or -1 with errno.
+/// The name is short, so that a target with a name of the greatest length has room for it too.
+int openTemporary(const fs::path& target, fs::path& temporary)
+{
+    static std::atomic<unsigned> counter = std::random_device()();
+    int descriptor = -1;
+    do {
+        const std::string name =
+            ".orvane-" + std::to_string(::getpid()) + "-" + std::to_string(counter++);
+        temporary = folderOf(target) / name;
+        descriptor = ::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    } while (descriptor < 0 && (errno == EEXIST || errno == EINTR));
+    return descriptor;
+}
+
+/// Makes the rename itself durable. File systems that cannot do this for a folder say EINVAL.
+int syncFolder(const fs::path& folder)
+{
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return errno == EACCES ? 0 : errno;
+    const int code = ::fsync(descriptor) == 0 || errno == EINVAL ? 0 : errno;
+    ::close(descriptor);
+    return code;
+}
+
+} // namespace
+
+Result<AtomicFile> AtomicFile::create(const fs::path& target)
+{
+    const Result<fs::path> end = linksFollowed(target);
+    if (!end)
+        return end.error();
+
+    struct stat old;
+    const bool replaces = ::stat(end->c_str(), &old) == 0;
+    if (replaces && S_ISDIR(old.st_mode))
+        return saveError(target, "a folder of that name is in the way");
+    if (replaces && !S_ISREG(old.st_mode))
+        return saveError(target, "something that is no file is in the way");
+    // A rename needs no permission on the file that it replaces; a locked file stays locked all the
+    // same.
+    if (replaces && ::access(end->c_str(), W_OK) != 0)
+        return saveError(target, "the file is locked against writing");
+
+    AtomicFile file;
+    file.m_target = *end;
+    file.m_descriptor = openTemporary(*end, file.m_temporary);
+    if (file.m_descriptor < 0)
+        return file.failure(errno);
+    // Some file systems keep no bits: a failure here is no reason to lose the content.
+    if (replaces)
+        ::fchmod(file.m_descriptor, old.st_mode & 0777);
+    return file;
+}
+
+AtomicFile::AtomicFile(AtomicFile&& other) noexcept
+    : m_target(std::move(other.m_target))
+    , m_temporary(std::move(other.m_temporary))
+    , m_descriptor(std::exchange(other.m_descriptor, -1))
+{
+}
+
+AtomicFile& AtomicFile::operator=(AtomicFile&& other) noexcept
+{
+    std::swap(m_target, other.m_target);
+    std::swap(m_temporary, other.m_temporary);
+    std::swap(m_descriptor, other.m_descriptor);
+    return *this;
+}
+
+AtomicFile::~AtomicFile()
+{
+    cancel();
+}
+
+Error AtomicFile::failure(int code) const
+{
+    return saveError(m_target, writeReason(code, m_target));
+}
+
+Result<void> AtomicFile::write(const void* data, size_t size)
+{
+    const char* bytes = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t written = ::write(m_descriptor, bytes, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return failure(errno);
+        bytes += written;
+        size -= size_t(written);
+    }
+    return {};
+}
+
+Result<void> AtomicFile::commit()
+{
+    // Without the first sync the rename could reach the disk before the bytes do.
+    if (::fsync(m_descriptor) != 0) {
+        const Error error = failure(errno);
+        cancel();
+        return error;
+    }
+    if (::close(std::exchange(m_descriptor, -1)) != 0
+        || ::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
+        const Error error = failure(errno);
+        ::unlink(m_temporary.c_str());
+        return error;
+    }
+    if (const int code = syncFolder(folderOf(m_target)); code != 0)
+        return failure(code);
+    return {};
+}
+
+void AtomicFile::cancel()
+{
+    if (m_descriptor < 0)
+        return;
+    ::close(std::exchange(m_descriptor, -1));
+    ::unlink(m_temporary.c_str());
+}
+
+Result<void> writeFile(const fs::path& target, std::string_view bytes)
+{
+    Result<AtomicFile> file = AtomicFile::create(target);
+    if (!file)
+        return file.error();
+    if (Result<void> written = file->write(bytes.data(), bytes.size()); !written)
+        return written;
+    return file->commit();
+}
+
+Result<std::vector<uint8_t>> readFile(const fs::path& path, size_t maxBytes)
+{
+    const auto failure = [&](const std::string& reason) {
+        return Error{quoted(path.filename()) + " couldn't be opened because " + reason + "."};
+    };
+    // Not blocking: opening a pipe would otherwise wait for its other end.
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) {
+        const int code = errno;
+        if (code == ENOENT || code == ENOTDIR)
+            return failure("it isn't there any more");
+        if (code == EACCES || code == EPERM)
+            return failure("you don't have permission to read it");
+        return failure("of an error of the system (" + std::generic_category().message(code) + ")");
+    }
+    struct Closer {
+        int descriptor;
+        ~Closer() { ::close(descriptor); }
+    } const closer{descriptor};
+
+    struct stat status;
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
+        return failure(S_ISDIR(status.st_mode) ? "it is a folder" : "it is no file");
+    const Error tooLarge = failure("it is larger than " + std::to_string(maxBytes) + " bytes");
+    if (uint64_t(status.st_size) > maxBytes)
+        return tooLarge;
+
+    // One byte more than the stated size, so that the end is seen; a file may grow meanwhile.
+    std::vector<uint8_t> bytes(size_t(status.st_size) + 1);
+    size_t filled = 0;
+    while (true) {
+        const ssize_t got = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return failure("its disk reported an error (" + std::generic_category().message(errno)
+                           + ")");
+        filled += size_t(got);
+        if (filled > maxBytes)
+            return tooLarge;
+        if (got == 0)
+            break;
+        if (filled == bytes.size())
+            bytes.resize(bytes.size() + std::max<size_t>(bytes.size() / 2, 4096));
+    }
+    bytes.resize(filled);
+    return bytes;
+}
+
+} // namespace orvane

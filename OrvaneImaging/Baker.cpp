@@ -102,7 +102,7 @@ Result<void> encode(const CIImage& image, const FileSettings& settings, ByteSink
     file.alpha = settings.format != EncodedFormat::Jpeg && hasTransparency(image);
     file.bits = bitsPerSample(settings);
     file.quality = settings.quality;
-    file.properties = preparedForExport(image.properties(), file.width, file.height);
+    file.properties = image.properties();
 
     auto encoder = makePictureEncoder(file, bytes);
     if (!encoder)

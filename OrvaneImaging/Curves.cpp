@@ -3,7 +3,7 @@
 // within the circle of radius 3, so no value leaves the range of its two neighbouring points.
 #include "Curves.h"
 
-#include "CIFilter.h"
+#include "Filters/CIFilter.h"
 
 #include <algorithm>
 #include <cmath>

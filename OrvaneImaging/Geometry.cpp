@@ -1,6 +1,6 @@
 #include "Geometry.h"
 
-#include "CIFilter.h"
+#include "Filters/CIFilter.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "Heal.h"
 
-#include "CIFilter.h"
+#include "Filters/CIFilter.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "Pipeline.h"
 
-#include "CIFilter.h"
+#include "Filters/CIFilter.h"
 #include "Stages.h"
 
 #include <algorithm>

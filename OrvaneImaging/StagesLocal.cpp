@@ -1,4 +1,4 @@
-#include "CIFilter.h"
+#include "Filters/CIFilter.h"
 #include "Heal.h"
 #include "Kernels.h"
 #include "Pipeline.h"

@@ -1,5 +1,5 @@
-#include "Filters/CIFilter.h"
 #include "Curves.h"
+#include "Filters/CIFilter.h"
 #include "Kernels.h"
 #include "Stages.h"
 

@@ -55,6 +55,7 @@ constexpr const char* empty = "The file is empty.";
 constexpr const char* notAPicture = "The file is not a picture that Orvane can read.";
 constexpr const char* endsEarly =
     "The picture's data ends early; the file is damaged or incomplete.";
+constexpr const char* noMemory = "There is not enough memory to open this picture.";
 constexpr const char* damaged = "The picture is damaged and cannot be read.";
 constexpr const char* partlyDamaged = "The file is damaged; parts of the picture may look wrong.";
 

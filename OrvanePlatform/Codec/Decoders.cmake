@@ -1,5 +1,20 @@
 set(DECODER_SOURCES
+  ApplyColor.cpp
+  ColorProfile.cpp
+  ColorSpaces.cpp
   DecoderSupport.cpp
+  ExifReader.cpp
+  HeifDecoder.cpp
+  ImageFromPicture.cpp
+  JpegDecoder.cpp
+  JpegMetadata.cpp
+  MosaicDetection.cpp
+  PictureDecoder.cpp
+  PngDecoder.cpp
+  RawDecoder.cpp
+  TiffDecoder.cpp
+  TiffSamples.cpp
+  WebPDecoder.cpp
   )
 set(DECODER_TESTS
   DecoderSupportTests.cpp

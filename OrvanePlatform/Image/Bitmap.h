@@ -30,8 +30,8 @@ struct SampleConversion {
 /// The sRGB decoding table for U8 (256 entries) or U16 (65536 entries), made once.
 SampleConversion::Table srgbDecodingTable(SampleType type);
 
-/// Pixels as they were in the file: rows from the top, samples interleaved, at the file's own depth.
-/// Immutable once shared; the owner of a new one fills it through row().
+/// Pixels as they were in the file: rows from the top, samples interleaved, at the file's own
+/// depth. Immutable once shared; the owner of a new one fills it through row().
 class Bitmap {
 public:
     /// channels: 1 grey, 2 grey and alpha, 3 RGB, 4 RGBA. Width and height at least 1.

@@ -42,7 +42,8 @@ struct DrawStatistics {
 
 struct DrawOptions {
     const CancellationToken* cancellation = nullptr;
-    /// Keep drawn intermediates for later draws (previews), or free each after its last use (exports).
+    /// Keep drawn intermediates for later draws (previews), or free each after its last use
+    /// (exports).
     bool keepIntermediates = false;
     DrawStatistics* statistics = nullptr;
 };
@@ -64,9 +65,9 @@ public:
     CIContext(const CIContext&) = delete;
     CIContext& operator=(const CIContext&) = delete;
 
-    /// The image over `rect` (its edges rounded to whole pixels) into a bitmap, BGRX8 where the image
-    /// is opaque and BGRA8Premultiplied otherwise. Absent when the rectangle is infinite or empty, or
-    /// the draw was cancelled.
+    /// The image over `rect` (its edges rounded to whole pixels) into a bitmap, BGRX8 where the
+    /// image is opaque and BGRA8Premultiplied otherwise. Absent when the rectangle is infinite or
+    /// empty, or the draw was cancelled.
     std::optional<CGImage> createCGImage(const CIImage& image, const CGRect& rect,
                                          const DrawOptions& options = {}) const;
 

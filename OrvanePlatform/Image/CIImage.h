@@ -33,7 +33,8 @@ public:
     explicit CIImage(std::shared_ptr<const Node> node);
 
     /// The extent is (0, 0, width, height).
-    static CIImage withBitmap(std::shared_ptr<const Bitmap> bitmap, ImageProperties properties = {});
+    static CIImage withBitmap(std::shared_ptr<const Bitmap> bitmap,
+                              ImageProperties properties = {});
     /// An infinite image of one colour.
     static CIImage withColor(const CIColor& color);
 

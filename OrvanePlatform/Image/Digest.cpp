@@ -6,7 +6,8 @@ namespace orvane {
 
 namespace {
 
-// The finaliser of SplitMix64 (Steele, Lea, Flood: "Fast splittable pseudorandom number generators").
+// The finaliser of SplitMix64 (Steele, Lea, Flood: "Fast splittable pseudorandom number
+// generators").
 uint64_t mixed(uint64_t x)
 {
     x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9ULL;

@@ -30,7 +30,6 @@ private:
 
 } // namespace orvane
 
-template <>
-struct std::hash<orvane::Digest> {
+template <> struct std::hash<orvane::Digest> {
     size_t operator()(const orvane::Digest& digest) const noexcept { return size_t(digest.low); }
 };

@@ -6,7 +6,8 @@
 
 namespace orvane {
 
-/// What the rows of a finished picture hold. All but RGBAFloat are sRGB-encoded and clipped to 0..1.
+/// What the rows of a finished picture hold. All but RGBAFloat are sRGB-encoded and clipped to
+/// 0..1.
 enum class PixelFormat {
     RGB8, ///< the picture over black
     RGB16, ///< the picture over black, native byte order
@@ -26,7 +27,8 @@ class RowSink {
 public:
     virtual ~RowSink() = default;
     virtual PixelFormat format() const = 0;
-    /// `count` rows of the picture's whole width, `rowBytes` apart. Called from one thread at a time.
+    /// `count` rows of the picture's whole width, `rowBytes` apart. Called from one thread at a
+    /// time.
     virtual Result<void> writeRows(const uint8_t* rows, int count, size_t rowBytes) = 0;
 };
 

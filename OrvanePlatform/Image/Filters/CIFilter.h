@@ -58,8 +58,8 @@ CIImage gammaAdjust(const CIImage& input, double power);
 std::optional<CIImage> colorCurves(const CIImage& input, std::span<const float> triples,
                                    double low = 0, double high = 1);
 
-/// A cube of dimension^3 RGBA entries, red fastest, over the clamped sRGB-encoded colour; trilinear.
-/// Absent unless the dimension is 2..64 and the table has dimension^3 * 4 floats.
+/// A cube of dimension^3 RGBA entries, red fastest, over the clamped sRGB-encoded colour;
+/// trilinear. Absent unless the dimension is 2..64 and the table has dimension^3 * 4 floats.
 std::optional<CIImage> colorCubeWithColorSpace(const CIImage& input, int dimension,
                                                std::span<const float> rgba);
 
@@ -84,7 +84,8 @@ CIImage blendWithMask(const CIImage& input, const CIImage& background, const CII
 
 // ---- Without an input: infinite ----
 
-CIImage linearGradient(CGPoint point0, const CIColor& color0, CGPoint point1, const CIColor& color1);
+CIImage linearGradient(CGPoint point0, const CIColor& color0, CGPoint point1,
+                       const CIColor& color1);
 CIImage radialGradient(CGPoint center, double radius0, const CIColor& color0, double radius1,
                        const CIColor& color1);
 
@@ -112,8 +113,8 @@ CIImage lanczosScaleTransform(const CIImage& input, double scale, double aspectR
 
 // ---- Reading ----
 
-/// count x 1 pixels: the share of the rectangle's pixels in each bin of each straight linear channel,
-/// times scale. Data, not colour: read it as RGBAFloat.
+/// count x 1 pixels: the share of the rectangle's pixels in each bin of each straight linear
+/// channel, times scale. Data, not colour: read it as RGBAFloat.
 CIImage areaHistogram(const CIImage& input, const CGRect& rect, int count, double scale = 1);
 
 } // namespace orvane::CIFilter

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "CIContext.h"
+#include "PixelRect.h"
+#include "RowSink.h"
+#include "TilePlanes.h"
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <vector>
+
+namespace orvane {
+
+/// Hands out the tiles of a picture band by band from the top, narrows what is drawn, and writes
+/// each finished band to the sink in order. Whoever is free writes: on n workers there are n
+/// threads, not n + 1, and the sink is called from one at a time.
+class BandWriter {
+public:
+    BandWriter(const PixelRect& rect, int tileWidth, int tileHeight, int workers, RowSink& sink,
+               const CancellationToken* cancellation);
+
+    /// Draws tiles and writes bands until all is done. Run by every worker.
+    void work(const std::function<TilePlanes(const PixelRect&)>& draw);
+    /// After the last worker has returned.
+    Result<void> result() const;
+
+private:
+    PixelRect bandRect(int band) const;
+    uint8_t* bandMemory(int band) { return m_memory[size_t(band % m_ahead)].data(); }
+    void narrow(const TilePlanes& planes, const PixelRect& tile, int band);
+
+    PixelRect m_rect;
+    int m_tileWidth;
+    int m_tileHeight;
+    RowSink& m_sink;
+    const CancellationToken* m_cancellation;
+    PixelFormat m_format;
+    size_t m_rowBytes;
+    int m_bands;
+    int m_tilesAcross;
+    int m_ahead; ///< bands in memory at once
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<std::vector<uint8_t>> m_memory;
+    std::vector<int> m_unfinished; ///< tiles still to come, by band
+    int m_nextTile = 0;
+    int m_written = 0;
+    bool m_writing = false;
+    bool m_stopped = false;
+    Result<void> m_result;
+};
+
+} // namespace orvane

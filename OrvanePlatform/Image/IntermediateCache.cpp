@@ -1,0 +1,30 @@
+#include "IntermediateCache.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+std::shared_ptr<StoredImage> IntermediateCache::find(const Digest& key, const PixelRect& region)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto entry = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& e) {
+        return e.key == key && e.image->rect().contains(region);
+    });
+    if (entry == m_entries.end())
+        return nullptr;
+    m_entries.splice(m_entries.begin(), m_entries, entry);
+    return m_entries.front().image;
+}
+
+void IntermediateCache::keep(const Digest& key, std::shared_ptr<StoredImage> image)
+{
+    const std::lock_guard lock(m_mutex);
+    m_bytes += image->byteSize();
+    m_entries.push_front({key, std::move(image)});
+    while (m_bytes > m_budget && !m_entries.empty()) {
+        m_bytes -= m_entries.back().image->byteSize();
+        m_entries.pop_back();
+    }
+}
+
+} // namespace orvane

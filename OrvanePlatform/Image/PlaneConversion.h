@@ -1,0 +1,35 @@
+#pragma once
+
+#include "RowSink.h"
+#include "TilePlanes.h"
+
+#include <cstdint>
+
+namespace orvane {
+
+/// count floats from and to binary16, to nearest even; floats beyond its range become its largest
+/// number. Buffers are read and written up to rowPadding elements past the end.
+void halvesFromFloats(const float* from, uint16_t* to, int count);
+void floatsFromHalves(const uint16_t* from, float* to, int count);
+
+/// The working values of `count` pixels as an output row: encoded, clipped and rounded to nearest
+/// as the format asks; NaN becomes 0. planes[3] may be null. Writes exactly count pixels.
+void narrowRow(const float* const planes[4], int count, PixelFormat format, uint8_t* to);
+
+/// rgb' = m rgb on three rows, m row-major.
+void applyMatrix(const float* m, float* const rgb[3], int count);
+/// rgb' = rgb * a.
+void premultiply(float* const rgb[3], const float* alpha, int count);
+
+/// out[x] = sum of weights[|k|] in[x + k] for |k| <= reach. `in` and `out` must differ.
+void convolveAcross(const float* in, float* out, int count, const float* weights, int reach);
+/// out[x] = sum of weights[|k|] of the rows k strides away.
+void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
+                  const float* weights, int reach);
+
+/// Bilinear samples of a plane at positions relative to its first pixel's edge; outside it is 0,
+/// and a position that is not a number gives 0.
+void sampleBilinear(const float* plane, std::ptrdiff_t stride, int width, int height,
+                    const double* xs, const double* ys, int count, float* out);
+
+} // namespace orvane

@@ -1,0 +1,381 @@
+// A recipe becomes passes: walks over an image in tiles, each drawing everything between the images
+// that are in memory (sources and stored intermediates) and its target without leaving the cache.
+//
+// A fused pass ends, that is, an input is drawn into memory first, only where
+//   1. a neighbourhood or a resampling reads more than `windowLimit` times the pixels of its input
+//      that it would read without a border, tile for tile (a wide blur, a steep rotation);
+//   2. a blur is large enough to be computed at a reduced size: its reduced result is stored;
+//   3. a histogram counts: its counts are stored;
+//   4. a result is read by more than one pass.
+// Rules 1 and 4 never store what is read straight from a source (through moves, flips, crops and
+// clamps) or made of no source at all: reading it again is cheaper. Whole-pixel moves, flips,
+// crops, clamps, generators and every pointwise operation never end a pass. Within a pass each step
+// is drawn once a tile, over the union of what its readers ask for.
+
+#include "Planner.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace orvane {
+
+namespace {
+
+constexpr double windowLimit = 1.35;
+constexpr int defaultTileWidth = 256;
+constexpr int defaultTileHeight = 128;
+/// Floats of one plane that a tile's widest step may hold; above it tiles shrink.
+constexpr double widestStep = 4.0 * defaultTileWidth * defaultTileHeight;
+
+bool isStructure(const Node& node)
+{
+    return node.as<CropNode>() || node.as<ClampNode>() || node.as<OrthogonalNode>();
+}
+
+bool isNeighbourhood(const Node& node)
+{
+    return node.as<WarpNode>() || node.as<HalveNode>() || node.as<GaussianNode>()
+        || node.as<LanczosNode>() || node.as<WindowNode>();
+}
+
+bool isReducedBlur(const Node& node)
+{
+    const auto* blur = node.as<GaussianNode>();
+    return blur && blurReduction(blur->sigma) > 1;
+}
+
+/// How many input pixels stand behind one output pixel, borders aside.
+double inputDensity(const Node& node)
+{
+    if (node.as<HalveNode>())
+        return 4;
+    if (const auto* n = node.as<LanczosNode>())
+        return (double(n->x.inputCount) / n->x.count) * (double(n->y.inputCount) / n->y.count);
+    if (const auto* n = node.as<WarpNode>(); n && n->affineInput) {
+        double det = std::abs(n->affine.determinant());
+        // What the halvings ahead of the sampling have taken away.
+        while (det < std::exp2(-2.4))
+            det *= 4;
+        return 1 / det;
+    }
+    return 1;
+}
+
+class Planner {
+public:
+    Planner(const Node& root, const PixelRect& rect)
+        : m_root(root)
+        , m_rect(rect)
+    {
+    }
+
+    Plan plan(int tileWidth, int tileHeight)
+    {
+        do
+            collectPasses();
+        while (storeShared() || storeWideWindows());
+        settleRegions();
+        for (PlanPass& pass : m_plan.passes)
+            chooseTiles(pass, tileWidth, tileHeight);
+        return std::move(m_plan);
+    }
+
+private:
+    // ---- Passes for the present choice of stored nodes ----
+
+    void collectPasses()
+    {
+        m_plan = {};
+        m_storedIndex.clear();
+        collectPass(m_root, -1, true);
+    }
+
+    /// The pass that draws `node` into stored image `target`; those it reads from come before it.
+    /// drawsNode: the target is the node's own pixels, so they cannot be read from memory yet.
+    void collectPass(const Node& node, int target, bool drawsNode)
+    {
+        PlanPass pass;
+        pass.target = target;
+        std::unordered_map<Digest, int> known;
+        collectStep(pass, node, known, drawsNode);
+        m_plan.passes.push_back(std::move(pass));
+    }
+
+    int collectStep(PlanPass& pass, const Node& node, std::unordered_map<Digest, int>& known,
+                    bool drawsNode)
+    {
+        if (const auto found = known.find(node.digest); found != known.end())
+            return found->second;
+        PlanStep step;
+        step.node = &node;
+        const auto form = storedForm(node);
+        if (form && !(drawsNode && *form == StoredPlan::Form::Whole)) {
+            step.stored = storedImage(node, *form);
+        } else {
+            for (const NodePtr& input : node.inputs)
+                step.inputs.push_back(collectStep(pass, *input, known, false));
+            for (const int input : step.inputs)
+                ++pass.steps[size_t(input)].readers;
+        }
+        pass.steps.push_back(std::move(step));
+        known[node.digest] = int(pass.steps.size()) - 1;
+        return int(pass.steps.size()) - 1;
+    }
+
+    std::optional<StoredPlan::Form> storedForm(const Node& node) const
+    {
+        if (isReducedBlur(node))
+            return StoredPlan::Form::ReducedBlur;
+        if (node.as<HistogramNode>())
+            return StoredPlan::Form::Histogram;
+        if (m_whole.count(node.digest))
+            return StoredPlan::Form::Whole;
+        return {};
+    }
+
+    int storedImage(const Node& node, StoredPlan::Form form)
+    {
+        // One node is stored in one form: a large blur reduced, a histogram counted, any other
+        // whole.
+        if (const auto found = m_storedIndex.find(node.digest); found != m_storedIndex.end())
+            return found->second;
+        StoredPlan stored;
+        stored.node = &node;
+        stored.form = form;
+        if (form == StoredPlan::Form::ReducedBlur)
+            stored.factor = blurReduction(node.as<GaussianNode>()->sigma);
+        const int index = int(m_plan.stored.size());
+        m_plan.stored.push_back(stored);
+        m_storedIndex[node.digest] = index;
+        const bool whole = form == StoredPlan::Form::Whole;
+        collectPass(whole ? node : *node.inputs.front(), index, whole);
+        return index;
+    }
+
+    // ---- Rule 4 ----
+
+    bool storeShared()
+    {
+        std::unordered_map<Digest, int> passesOf;
+        for (const PlanPass& pass : m_plan.passes) {
+            for (const PlanStep& step : pass.steps)
+                passesOf[step.node->digest] += step.stored < 0;
+        }
+        // From the last pass backwards and from its result backwards: the first shared node met is
+        // the one to store, since storing it may leave nothing else shared.
+        for (auto pass = m_plan.passes.rbegin(); pass != m_plan.passes.rend(); ++pass) {
+            for (auto step = pass->steps.rbegin(); step != pass->steps.rend(); ++step) {
+                if (step->stored < 0 && passesOf[step->node->digest] > 1
+                    && worthStoring(*step->node)) {
+                    m_whole.insert(step->node->digest);
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    /// Not read straight from a source, and not made of nothing.
+    bool worthStoring(const Node& node)
+    {
+        if (node.as<SourceNode>() || m_whole.count(node.digest) || isReducedBlur(node)
+            || node.as<HistogramNode>())
+            return false;
+        if (isStructure(node))
+            return !node.inputs.empty() && worthStoring(*node.inputs.front());
+        return dependsOnSource(node);
+    }
+
+    bool dependsOnSource(const Node& node)
+    {
+        if (node.as<SourceNode>())
+            return true;
+        const auto known = m_dependsOnSource.find(node.digest);
+        if (known != m_dependsOnSource.end())
+            return known->second;
+        const bool depends =
+            std::any_of(node.inputs.begin(), node.inputs.end(),
+                        [&](const NodePtr& input) { return dependsOnSource(*input); });
+        m_dependsOnSource[node.digest] = depends;
+        return depends;
+    }
+
+    // ---- Rule 1 ----
+
+    bool storeWideWindows()
+    {
+        for (auto pass = m_plan.passes.rbegin(); pass != m_plan.passes.rend(); ++pass) {
+            const PixelRect whole = extentOrRect(*pass);
+            const int x = whole.x0 + std::max(0, (whole.width() - defaultTileWidth) / 2);
+            const int y = whole.y0 + std::max(0, (whole.height() - defaultTileHeight) / 2);
+            const PixelRect tile =
+                whole.intersection({x, y, x + defaultTileWidth, y + defaultTileHeight});
+            std::vector<PixelRect> requests;
+            requestedRects(*pass, tile, requests);
+            std::vector<double> needed(pass->steps.size(), 0);
+            needed.back() = tile.area();
+            for (size_t i = pass->steps.size(); i-- > 0;) {
+                const PlanStep& step = pass->steps[i];
+                for (const int input : step.inputs) {
+                    auto& share = needed[size_t(input)];
+                    share = std::max(share, needed[i] * inputDensity(*step.node));
+                }
+                if (isNeighbourhood(*step.node) && step.stored < 0
+                    && storeIfWide(*pass, step, requests, needed))
+                    return true;
+            }
+        }
+        return false;
+    }
+
+    bool storeIfWide(const PlanPass& pass, const PlanStep& step,
+                     const std::vector<PixelRect>& requests, const std::vector<double>& needed)
+    {
+        const auto index = size_t(step.inputs.front());
+        // A clamp or a crop is a way of reading: what it reads is stored, not the clamped copy.
+        const PlanStep* input = &pass.steps[index];
+        while (isStructure(*input->node) && input->stored < 0)
+            input = &pass.steps[size_t(input->inputs.front())];
+        if (input->stored >= 0 || !worthStoring(*input->node))
+            return false;
+        if (requests[index].area() <= windowLimit * needed[index])
+            return false;
+        return m_whole.insert(input->node->digest).second;
+    }
+
+    /// A rectangle to try a tile in: only the last pass's region is known yet.
+    PixelRect extentOrRect(const PlanPass& pass) const
+    {
+        if (pass.target < 0)
+            return m_rect;
+        const Extent& extent = pass.steps.back().node->extent;
+        return extent.infinite ? PixelRect{0, 0, 4096, 4096} : extent.rect;
+    }
+
+    // ---- Regions, from the picture asked for back to the sources ----
+
+    void settleRegions()
+    {
+        for (size_t p = m_plan.passes.size(); p-- > 0;) {
+            PlanPass& pass = m_plan.passes[p];
+            pass.region =
+                pass.target < 0 ? m_rect : drawnRegion(m_plan.stored[size_t(pass.target)]);
+            std::vector<PixelRect> requests;
+            requestedRects(pass, pass.region, requests);
+            for (size_t i = 0; i < pass.steps.size(); ++i) {
+                if (pass.steps[i].stored < 0)
+                    continue;
+                StoredPlan& stored = m_plan.stored[size_t(pass.steps[i].stored)];
+                const PixelRect wanted = stored.form == StoredPlan::Form::ReducedBlur
+                    ? reducedCells(requests[i], stored.factor)
+                    : requests[i];
+                stored.region = stored.region.united(wanted);
+                stored.lastReader = std::max(stored.lastReader, int(p));
+            }
+        }
+    }
+
+    /// The pixels of the pass's last step that filling a stored image takes.
+    static PixelRect drawnRegion(const StoredPlan& stored)
+    {
+        if (stored.form == StoredPlan::Form::Whole)
+            return stored.region;
+        const Extent& extent = stored.node->inputs.front()->extent;
+        if (const auto* histogram = stored.node->as<HistogramNode>())
+            return histogram->region;
+        const float sigma = stored.node->as<GaussianNode>()->sigma;
+        const int border = int(std::ceil(3 * reducedSigma(sigma, stored.factor)));
+        const PixelRect cells = stored.region.grown(border);
+        const int f = stored.factor;
+        return extent.clipped({cells.x0 * f, cells.y0 * f, cells.x1 * f, cells.y1 * f});
+    }
+
+    // ---- Tiles ----
+
+    void chooseTiles(PlanPass& pass, int tileWidth, int tileHeight)
+    {
+        pass.tileWidth = tileWidth > 0 ? tileWidth : defaultTileWidth;
+        pass.tileHeight = tileHeight > 0 ? tileHeight : defaultTileHeight;
+        if (tileWidth > 0 || tileHeight > 0)
+            return;
+        for (;;) {
+            const PixelRect& r = pass.region;
+            const int x = r.x0 + std::max(0, (r.width() - pass.tileWidth) / 2);
+            const int y = r.y0 + std::max(0, (r.height() - pass.tileHeight) / 2);
+            std::vector<PixelRect> requests;
+            requestedRects(pass, r.intersection({x, y, x + pass.tileWidth, y + pass.tileHeight}),
+                           requests);
+            double widest = 0;
+            for (const PixelRect& request : requests)
+                widest = std::max(widest, request.area());
+            if (widest <= widestStep || pass.tileWidth <= 32)
+                return;
+            (pass.tileWidth > pass.tileHeight ? pass.tileWidth : pass.tileHeight) /= 2;
+        }
+    }
+
+    const Node& m_root;
+    PixelRect m_rect;
+    Plan m_plan;
+    // Keyed by digest, so that equal recipes built twice are drawn once.
+    std::unordered_map<Digest, int> m_storedIndex;
+    std::unordered_set<Digest> m_whole;
+    std::unordered_map<Digest, bool> m_dependsOnSource;
+};
+
+int floorDivided(int a, int b)
+{
+    return a >= 0 ? a / b : -((-a + b - 1) / b);
+}
+
+} // namespace
+
+int blurReduction(float sigma)
+{
+    int factor = 1;
+    while (float(factor) * 2 <= sigma / 8)
+        factor *= 2;
+    return factor;
+}
+
+double reducedSigma(float sigma, int factor)
+{
+    const double f = factor;
+    const double variance =
+        (double(sigma) * double(sigma) + 1.0 / 12 - (f * f - 1) / 12 - f * f / 6) / (f * f)
+        - 1.0 / 12;
+    return std::sqrt(variance);
+}
+
+PixelRect reducedCells(const PixelRect& rect, int factor)
+{
+    if (rect.isEmpty())
+        return {};
+    const int half = factor / 2;
+    return {floorDivided(rect.x0 - half, factor), floorDivided(rect.y0 - half, factor),
+            floorDivided(rect.x1 - 1 - half, factor) + 2,
+            floorDivided(rect.y1 - 1 - half, factor) + 2};
+}
+
+void requestedRects(const PlanPass& pass, const PixelRect& rect, std::vector<PixelRect>& requests)
+{
+    requests.assign(pass.steps.size(), PixelRect{});
+    requests.back() = pass.steps.back().node->extent.clipped(rect);
+    for (size_t i = pass.steps.size(); i-- > 0;) {
+        const PlanStep& step = pass.steps[i];
+        for (size_t n = 0; n < step.inputs.size(); ++n) {
+            PixelRect& request = requests[size_t(step.inputs[n])];
+            request = request.united(neededInput(*step.node, n, requests[i]));
+        }
+    }
+}
+
+Plan makePlan(const Node& root, const PixelRect& rect, int tileWidth, int tileHeight)
+{
+    return Planner(root, rect).plan(tileWidth, tileHeight);
+}
+
+} // namespace orvane

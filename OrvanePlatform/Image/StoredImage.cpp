@@ -1,0 +1,76 @@
+#include "StoredImage.h"
+
+#include "PlaneConversion.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace orvane {
+
+StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format)
+    : m_rect(rect)
+    , m_opaque(opaque)
+    , m_format(format)
+    , m_stride((rect.width() + rowPadding - 1) / rowPadding * rowPadding)
+    , m_planeElements(size_t(m_stride) * size_t(rect.height()))
+    // The padding lets whole vectors be read past the end of the last row.
+    , m_memory(new uint8_t[m_planeElements * elementSize() * size_t(opaque ? 3 : 4)
+                           + rowPadding * sizeof(float)])
+{
+}
+
+uint8_t* StoredImage::element(int channel, int x, int y) const
+{
+    const size_t index = size_t(channel) * m_planeElements
+        + size_t(y - m_rect.y0) * size_t(m_stride) + size_t(x - m_rect.x0);
+    return m_memory.get() + index * elementSize();
+}
+
+float* StoredImage::floatRow(int channel, int y)
+{
+    return static_cast<float*>(static_cast<void*>(element(channel, m_rect.x0, y)));
+}
+
+const float* StoredImage::floatRow(int channel, int y) const
+{
+    return static_cast<const float*>(static_cast<const void*>(element(channel, m_rect.x0, y)));
+}
+
+void StoredImage::write(const TilePlanes& planes, const PixelRect& rect)
+{
+    const int width = rect.width();
+    std::vector<uint16_t> halves(m_format == StoredFormat::Half ? size_t(width) + rowPadding : 0);
+    const std::vector<float> ones(!m_opaque && planes.opaque() ? size_t(width) + rowPadding : 0,
+                                  1.0f);
+    for (int c = 0; c < (m_opaque ? 3 : 4); ++c) {
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            const float* from = planes.plane[c] ? planes.at(c, rect.x0, y) : ones.data();
+            uint8_t* to = element(c, rect.x0, y);
+            if (m_format == StoredFormat::Float) {
+                std::memcpy(to, from, size_t(width) * sizeof(float));
+                continue;
+            }
+            // Through a row of our own: the neighbouring tile's pixels must not be touched.
+            halvesFromFloats(from, halves.data(), width);
+            std::memcpy(to, halves.data(), size_t(width) * sizeof(uint16_t));
+        }
+    }
+}
+
+TilePlanes StoredImage::read(const PixelRect& rect, TileArena& arena) const
+{
+    TilePlanes planes = arena.planes(rect, m_opaque);
+    for (int c = 0; c < planes.channels(); ++c) {
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            const void* from = element(c, rect.x0, y);
+            if (m_format == StoredFormat::Float)
+                std::memcpy(planes.row(c, y), from, size_t(rect.width()) * sizeof(float));
+            else
+                floatsFromHalves(static_cast<const uint16_t*>(from), planes.row(c, y),
+                                 rect.width());
+        }
+    }
+    return planes;
+}
+
+} // namespace orvane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "TilePlanes.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace orvane {
+
+/// How an intermediate is kept. A half has 11 significant bits: an error of at most 0.03 of an
+/// 8-bit level after encoding, at half the bytes. Draws for 16-bit and float output keep floats.
+enum class StoredFormat { Half, Float };
+
+/// A drawn intermediate: planes of a rectangle, kept between passes and, in the cache, between
+/// draws. Different tiles may be written from different threads at once.
+class StoredImage {
+public:
+    StoredImage(const PixelRect& rect, bool opaque, StoredFormat format);
+
+    const PixelRect& rect() const { return m_rect; }
+    bool opaque() const { return m_opaque; }
+    size_t byteSize() const { return m_planeElements * elementSize() * size_t(m_opaque ? 3 : 4); }
+
+    /// The planes must cover `rect`, which must lie within this one's.
+    void write(const TilePlanes& planes, const PixelRect& rect);
+    /// The rectangle as floats; it must lie within this one's.
+    TilePlanes read(const PixelRect& rect, TileArena& arena) const;
+    /// Direct access to a row of floats; only of images in StoredFormat::Float.
+    float* floatRow(int channel, int y);
+    const float* floatRow(int channel, int y) const;
+    std::ptrdiff_t stride() const { return m_stride; }
+
+private:
+    size_t elementSize() const { return m_format == StoredFormat::Half ? 2 : 4; }
+    uint8_t* element(int channel, int x, int y) const;
+
+    PixelRect m_rect;
+    bool m_opaque;
+    StoredFormat m_format;
+    std::ptrdiff_t m_stride;
+    size_t m_planeElements;
+    std::unique_ptr<uint8_t[]> m_memory;
+};
+
+} // namespace orvane

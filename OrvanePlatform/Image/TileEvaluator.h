@@ -1,0 +1,86 @@
+#pragma once
+
+#include "Planner.h"
+#include "StoredImage.h"
+#include "TilePlanes.h"
+
+#include <memory>
+#include <vector>
+
+namespace orvane {
+
+/// Numbers that every tile of a pass shares: blur weights and resampling taps, made once.
+struct PassTables {
+    /// By step: the weights of a Gaussian, or the taps of a Lanczos resampling's two axes.
+    struct Taps {
+        std::vector<int> first;
+        std::vector<float> weights; ///< `width` for each output
+        int origin = 0;
+        int width = 0;
+    };
+    struct Step {
+        std::vector<float> blur;
+        Taps across;
+        Taps down;
+    };
+    std::vector<Step> steps;
+};
+
+PassTables makePassTables(const PlanPass& pass);
+
+/// Draws tiles of one pass; one for each worker.
+class TileEvaluator {
+public:
+    TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>& storedPlans,
+                  const std::vector<std::shared_ptr<StoredImage>>& stored,
+                  const PassTables& tables);
+
+    /// The last step's pixels over `rect`, transparent beyond its extent. Valid until the next
+    /// call.
+    TilePlanes draw(const PixelRect& rect);
+
+private:
+    struct Drawn {
+        TilePlanes planes;
+        bool empty = true;
+        bool reusable =
+            false; ///< the memory is this step's alone: a pointwise reader may draw into it
+    };
+
+    void drawStep(size_t index);
+    TilePlanes input(const PlanStep& step, size_t n, const PixelRect& rect);
+
+    TilePlanes drawStored(const PlanStep& step, const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const SourceNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const PointwiseNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const CropNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const ClampNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const OrthogonalNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const WarpNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const HalveNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const GaussianNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const LanczosNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const WindowNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const HistogramNode& node,
+                        const PixelRect& rect);
+
+    const PlanPass& m_pass;
+    const std::vector<StoredPlan>& m_storedPlans;
+    const std::vector<std::shared_ptr<StoredImage>>& m_stored;
+    const PassTables& m_tables;
+    std::vector<PixelRect> m_requests;
+    std::vector<Drawn> m_drawn;
+    TileArena m_arena;
+};
+
+} // namespace orvane

@@ -1,0 +1,110 @@
+#include "TilePlanes.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+float* TileArena::floats(size_t count)
+{
+    // Whole cache lines, and room for a kernel's last vector to write past the end.
+    const size_t size = (count + rowPadding + 15) / 16 * 16;
+    for (Block& block : m_blocks) {
+        if (block.size - block.used >= size) {
+            float* start = block.memory.get() + block.used;
+            block.used += size;
+            return start;
+        }
+    }
+    const size_t blockSize = std::max(size + 16, size_t(1) << 18);
+    Block block{std::unique_ptr<float[]>(new float[blockSize]), blockSize, 0};
+    const size_t misaligned = reinterpret_cast<uintptr_t>(block.memory.get()) / sizeof(float) % 16;
+    const size_t skipped = misaligned == 0 ? 0 : 16 - misaligned;
+    block.used = skipped + size;
+    m_blocks.push_back(std::move(block));
+    return m_blocks.back().memory.get() + skipped;
+}
+
+double* TileArena::doubles(size_t count)
+{
+    return reinterpret_cast<double*>(static_cast<void*>(floats(count * 2)));
+}
+
+void TileArena::reset()
+{
+    for (Block& block : m_blocks) {
+        const size_t misaligned =
+            reinterpret_cast<uintptr_t>(block.memory.get()) / sizeof(float) % 16;
+        block.used = misaligned == 0 ? 0 : 16 - misaligned;
+    }
+}
+
+TilePlanes TileArena::planes(const PixelRect& rect, bool opaque)
+{
+    TilePlanes planes;
+    planes.rect = rect;
+    planes.stride = (rect.width() + 15) / 16 * 16;
+    const size_t size = size_t(planes.stride) * size_t(rect.height());
+    for (int c = 0; c < (opaque ? 3 : 4); ++c)
+        planes.plane[c] = floats(size);
+    return planes;
+}
+
+void addOpaqueAlpha(TilePlanes& planes, TileArena& arena)
+{
+    if (!planes.opaque())
+        return;
+    const size_t size = size_t(planes.stride) * size_t(planes.rect.height());
+    planes.plane[3] = arena.floats(size);
+    std::fill_n(planes.plane[3], size, 1.0f);
+}
+
+TilePlanes coveringPlanes(const TilePlanes& planes, const PixelRect& rect, TileArena& arena)
+{
+    if (planes.rect.contains(rect))
+        return planes;
+    TilePlanes copy = arena.planes(rect, false);
+    const PixelRect shared = planes.rect.intersection(rect);
+    for (int c = 0; c < 4; ++c) {
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            float* to = copy.row(c, y);
+            if (shared.isEmpty() || y < shared.y0 || y >= shared.y1) {
+                std::fill(to, to + rect.width(), 0.0f);
+                continue;
+            }
+            float* first = to + (shared.x0 - rect.x0);
+            std::fill(to, first, 0.0f);
+            if (c == 3 && planes.opaque())
+                std::fill(first, first + shared.width(), 1.0f);
+            else
+                std::copy_n(planes.at(c, shared.x0, y), shared.width(), first);
+            std::fill(first + shared.width(), to + rect.width(), 0.0f);
+        }
+    }
+    return copy;
+}
+
+TilePlanes edgeRepeatedPlanes(const TilePlanes& planes, const PixelRect& rect, TileArena& arena)
+{
+    if (planes.rect.contains(rect))
+        return planes;
+    const PixelRect& e = planes.rect;
+    TilePlanes copy = arena.planes(rect, planes.opaque());
+    const int first = std::clamp(rect.x0, e.x0, e.x1 - 1);
+    const int last = std::clamp(rect.x1, e.x0 + 1, e.x1);
+    const int left = std::clamp(e.x0 - rect.x0, 0, rect.width());
+    const int copied = std::max(0, std::min(rect.x1, e.x1) - std::max(rect.x0, e.x0));
+    for (int c = 0; c < planes.channels(); ++c) {
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            const int source = std::clamp(y, e.y0, e.y1 - 1);
+            float* to = copy.row(c, y);
+            const int start = copied > 0 ? left : (rect.x0 >= e.x1 ? 0 : rect.width());
+            std::fill(to, to + start, *planes.at(c, first, source));
+            if (copied > 0)
+                std::copy_n(planes.at(c, std::max(rect.x0, e.x0), source), copied, to + start);
+            std::fill(to + start + copied, to + rect.width(), *planes.at(c, last - 1, source));
+        }
+    }
+    return copy;
+}
+
+} // namespace orvane

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "CIContext.h"
+#include "IntermediateCache.h"
+#include "Planner.h"
+#include "StoredImage.h"
+#include "ThreadPool.h"
+
+#include <functional>
+
+namespace orvane {
+
+/// Draws recipes tile by tile on a pool of threads, everything between two stored images fused.
+class TiledRenderer {
+public:
+    /// Takes a finished tile: planes that cover it. Called from several threads at once.
+    using TileTarget = std::function<void(const TilePlanes& planes, const PixelRect& tile)>;
+
+    TiledRenderer(ThreadPool& pool, IntermediateCache& cache, const CIContext::Options& settings)
+        : m_pool(pool)
+        , m_cache(cache)
+        , m_settings(settings)
+    {
+    }
+
+    /// Tiles in any order. False when cancelled.
+    bool draw(const Node& root, const PixelRect& rect, StoredFormat format,
+              const DrawOptions& options, const TileTarget& target) const;
+    /// Rows of a format, from the top, in order, into a sink. Drawing runs a few bands of rows
+    /// ahead of the sink, so memory does not grow with the picture.
+    Result<void> draw(const Node& root, const PixelRect& rect, StoredFormat format,
+                      const DrawOptions& options, RowSink& sink) const;
+
+private:
+    struct Drawing;
+
+    bool drawStored(Drawing& drawing) const;
+    bool drawPass(Drawing& drawing, const PlanPass& pass, const TileTarget& target) const;
+    bool fillWhole(Drawing& drawing, const PlanPass& pass) const;
+    bool fillReducedBlur(Drawing& drawing, const PlanPass& pass) const;
+    bool fillHistogram(Drawing& drawing, const PlanPass& pass) const;
+
+    ThreadPool& m_pool;
+    IntermediateCache& m_cache;
+    const CIContext::Options& m_settings;
+};
+
+} // namespace orvane

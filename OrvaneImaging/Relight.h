@@ -24,7 +24,7 @@ struct Light {
     double contrast = 0;
     double saturation = 0;
     /// Brush only: the points of each stroke, fractions of width and height, y from the top edge.
-    std::vector<std::vector<CGPoint>> strokes;
+    std::vector<std::vector<CGPoint>> strokes = {};
 
     bool operator==(const Light&) const = default;
 };

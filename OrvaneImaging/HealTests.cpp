@@ -1,0 +1,80 @@
+#include "Heal.h"
+#include "TestImages.h"
+
+namespace orvane {
+namespace {
+
+using namespace test;
+
+TEST(Heal, ReturnsTheImageWhenThereIsNothingToDo)
+{
+    const CIImage image = coordinates(20, 20);
+    EXPECT_TRUE(Heal::apply(image, {}).isSame(image));
+    const CIImage endless = CIImage::withColor({1, 1, 1, 1});
+    EXPECT_TRUE(Heal::apply(endless, {{0.5, 0.5, 0.1}}).isSame(endless));
+    EXPECT_TRUE(Heal::apply(image, {{4, 4, 0.05}}).isSame(image)); // far outside the frame
+}
+
+TEST(Heal, TakesThePatchFromTowardsTheMiddle)
+{
+    // 100 x 80, radius 5: the source lies 12 pixels away in each axis. Spots count y from the top.
+    const CIImage image = coordinates(100, 80);
+    const struct {
+        HealSpot spot;
+        int x, y; // a pixel in the middle of the spot
+        int sourceX, sourceY;
+    } cases[] = {
+        {{0.2, 0.25, 0.05}, 20, 60, 32, 48}, // upper left: from below, to the right
+        {{0.8, 0.75, 0.05}, 80, 20, 68, 32}, // lower right: from above, to the left
+        {{0.5, 0.5, 0.05}, 50, 40, 38, 28}, // the very middle
+        {{0.2, 0.25, 0}, 20, 60, 25, 55}, // radius 2 at least: 4.8 pixels away
+    };
+    for (const auto& c : cases) {
+        const CIImage healed = Heal::apply(image, {c.spot});
+        expectExtent(healed, image.extent());
+        const Color patch = pixel(healed, c.x, c.y);
+        EXPECT_NEAR(patch[0] * 64, c.sourceX, 0.3) << c.x;
+        EXPECT_NEAR(patch[1] * 64, c.sourceY, 0.3) << c.x;
+        // Beyond the radius nothing changes, to the bit.
+        EXPECT_EQ(pixel(healed, c.x + 6, c.y), pixel(image, c.x + 6, c.y));
+    }
+}
+
+TEST(Heal, FadesFromSixTenthsOfTheRadiusOn)
+{
+    // The left half is 0, the right half 1; the spot's radius is 20, its source wholly within 1.
+    const CIImage image = picture(200, 200, [](int x, int) {
+        const float value = x < 70 ? 0.0f : 1.0f;
+        return Color{value, value, value, 1};
+    });
+    const CIImage healed = Heal::apply(image, {{0.25, 0.25, 0.1}});
+    EXPECT_NEAR(pixel(healed, 50, 150)[0], 1, 1e-5f);
+    EXPECT_NEAR(pixel(healed, 39, 150)[0], 1, 1e-5f);
+    EXPECT_NEAR(pixel(healed, 34, 150)[0], 0.5f, 0.07f); // 15.5 of 12 .. 20 pixels out
+    EXPECT_EQ(pixel(healed, 29, 150)[0], 0);
+}
+
+TEST(Heal, PatchesFromWhatTheSpotsBeforeLeft)
+{
+    // The first spot carries 1 to where the second one takes its patch from.
+    const CIImage image = picture(200, 200, [](int x, int) {
+        const float value = x < 84 ? 0.0f : 1.0f;
+        return Color{value, value, value, 1};
+    });
+    const HealSpot first{0.28, 0.28, 0.06};
+    const HealSpot second{0.14, 0.14, 0.06};
+    EXPECT_EQ(pixel(Heal::apply(image, {second}), 28, 172)[0], 0);
+    EXPECT_NEAR(pixel(Heal::apply(image, {first, second}), 28, 172)[0], 1, 1e-5f);
+}
+
+TEST(Heal, NeverTearsThePicture)
+{
+    // The source of a spot near the middle of a small picture lies beyond its edge.
+    const CIImage image = grey(10, 10, 0.4f);
+    const CIImage healed = Heal::apply(image, {{0.55, 0.55, 0.4}});
+    for (int y = 0; y < 10; ++y)
+        EXPECT_NEAR(pixel(healed, 5, y)[3], 1, 1e-6f) << y;
+}
+
+} // namespace
+} // namespace orvane

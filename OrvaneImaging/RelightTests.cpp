@@ -1,0 +1,161 @@
+#include "BrushMask.h"
+#include "Relight.h"
+#include "TestImages.h"
+
+namespace orvane {
+namespace {
+
+using namespace test;
+
+TEST(Relight, ReturnsTheImageForLightsThatChangeNothing)
+{
+    const CIImage image = grey(20, 10, 0.2f);
+    const std::vector<Light> idle = {
+        {.radius = 0.5}, // no amount
+        {.radius = 0, .brightness = 50},
+        {.type = "brush", .radius = 0.5, .brightness = 50}, // no stroke
+    };
+    EXPECT_TRUE(Relight::apply(image, idle).isSame(image));
+    EXPECT_TRUE(Relight::apply(image, {}).isSame(image));
+    const CIImage endless = CIImage::withColor({1, 1, 1, 1});
+    EXPECT_TRUE(Relight::apply(endless, {{.radius = 1, .brightness = 50}}).isSame(endless));
+}
+
+// Within the solid core, on a grey of 0.2 or the colour (0.2, 0.3, 0.6).
+TEST(Relight, AppliesTheFourAmountsInAGammaSpace)
+{
+    const Color gray{0.2f, 0.2f, 0.2f, 1};
+    const Color blue{0.2f, 0.3f, 0.6f, 1};
+    const Light core{.radius = 2};
+    const auto light = [&](double brightness, double warmth, double contrast, double saturation) {
+        Light l = core;
+        l.brightness = brightness;
+        l.warmth = warmth;
+        l.contrast = contrast;
+        l.saturation = saturation;
+        return l;
+    };
+    const struct {
+        const char* what;
+        std::vector<Light> lights;
+        Color in;
+        Color expected;
+    } cases[] = {
+        {"two of 30 are one of 60",
+         {light(30, 0, 0, 0), light(30, 0, 0, 0)},
+         gray,
+         {0.562554f, 0.562554f, 0.562554f, 1}},
+        {"-100 leaves a tenth", {light(-100, 0, 0, 0)}, gray, {0.001262f, 0.001262f, 0.001262f, 1}},
+        {"warm", {light(0, 100, 0, 0)}, gray, {0.332462f, 0.200032f, 0.103206f, 1}},
+        {"contrast", {light(0, 0, 50, 0)}, gray, {0.191532f, 0.191532f, 0.191532f, 1}},
+        {"no colour", {light(0, 0, 0, -100)}, blue, {0.294098f, 0.294098f, 0.294098f, 1}},
+        {"all four", {light(50, 20, 30, 40)}, blue, {0.546957f, 0.957508f, 1, 1}},
+        {"opposites", {light(50, 0, 0, 0), light(-50, 0, 0, 0)}, blue, blue},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        expectNear(through([&](const CIImage& i) { return Relight::apply(i, c.lights); }, c.in),
+                   c.expected, 1e-4f);
+    }
+}
+
+/// How much of a light of brightness 50 arrives at a pixel of a grey picture: 0..1.
+double arriving(const CIImage& image, const std::vector<Light>& lights, int x, int y)
+{
+    const double before = std::pow(pixel(image, x, y)[0], 0.4545);
+    const double after = std::pow(pixel(Relight::apply(image, lights), x, y)[0], 1 / 2.2);
+    return (after / before - 1) / 0.5;
+}
+
+TEST(Relight, ShapesLightsFromTheTopLeftInPartsOfTheLongEdge)
+{
+    const CIImage image = grey(100, 60, 0.2f);
+    // Radius 20 about (30, 45) in image coordinates.
+    const Light round{.x = 0.3, .y = 0.25, .radius = 0.2, .brightness = 50};
+    Light soft = round;
+    soft.feather = 1;
+    Light outside = round;
+    outside.invert = true;
+    // Across 40 pixels about x = 50; or about y = 30, growing downwards.
+    const Light ramp{.type = "linear", .radius = 0.2, .brightness = 50};
+    Light down = ramp;
+    down.angle = 90;
+    Light eased = ramp;
+    eased.feather = 1;
+    const Light tiny{.x = 0.305, .y = 0.5 - 0.5 / 60, .radius = 1e-6, .brightness = 50};
+    const struct {
+        const char* what;
+        Light light;
+        int x, y;
+        double expected;
+    } cases[] = {
+        {"hard edge, within", round, 49, 44, 1},  {"hard edge, beyond", round, 50, 44, 0},
+        {"soft, half way", soft, 40, 44, 0.461}, // t = 0.5256
+        {"inverted, within", outside, 30, 44, 0}, {"inverted, beyond", outside, 70, 44, 1},
+        {"ramp, before", ramp, 29, 10, 0},        {"ramp, a quarter", ramp, 40, 10, 0.2625},
+        {"ramp, after", ramp, 71, 10, 1},         {"eased, a quarter", eased, 40, 10, 0.1705},
+        {"downwards, top", down, 50, 51, 0},      {"downwards, bottom", down, 50, 8, 1},
+        {"a pixel at least", tiny, 30, 30, 1},    {"no more than a pixel", tiny, 31, 30, 0},
+    };
+    for (const auto& c : cases)
+        EXPECT_NEAR(arriving(image, {c.light}, c.x, c.y), c.expected, 2e-3) << c.what;
+}
+
+TEST(Relight, PaintsBrushStrokesWhereTheyLie)
+{
+    const CIImage image = grey(100, 60, 0.2f).transformed(CGAffineTransform::translation(10, 20));
+    const Light brush{.type = "brush",
+                      .radius = 0.05,
+                      .brightness = 50,
+                      .strokes = {{{0.2, 0.25}, {0.8, 0.25}}, {}, {{0.5, 0.75}}}};
+    EXPECT_NEAR(arriving(image, {brush}, 60, 65), 1, 2e-3); // on the stroke, 15 below the top
+    EXPECT_NEAR(arriving(image, {brush}, 60, 71), 0, 2e-3);
+    EXPECT_NEAR(arriving(image, {brush}, 60, 35), 1, 2e-3); // on the dab
+    EXPECT_NEAR(arriving(image, {brush}, 66, 35), 0, 2e-3);
+    Light soft = brush;
+    soft.feather = 1;
+    const double edge = arriving(image, {soft}, 60, 70);
+    EXPECT_GT(edge, 0.1);
+    EXPECT_LT(edge, 0.9);
+}
+
+TEST(BrushMask, CoversEverythingWithinHalfTheLineWidth)
+{
+    // Against the plain definition, at every pixel; slopes of every kind, ends outside the picture.
+    const std::vector<std::vector<CGPoint>> strokes[] = {
+        {{{0.2, 0.2}, {0.8, 0.9}}}, {{{0.1, 0.5}, {0.9, 0.5}}},
+        {{{0.5, 0.1}, {0.5, 0.9}}}, {{{-0.2, 0.3}, {1.3, 0.4}}},
+        {{{0.6, 0.4}, {0.6, 0.4}}}, {{{0.9, 0.9}, {0.4, 0.1}, {0.1, 0.8}}},
+    };
+    const int width = 37;
+    const int height = 29;
+    for (const double lineWidth : {1.0, 5.0, 16.5}) {
+        for (size_t i = 0; i < std::size(strokes); ++i) {
+            const auto mask = brushMask(strokes[i], width, height, lineWidth);
+            for (int y = 0; y < height; ++y) {
+                for (int x = 0; x < width; ++x) {
+                    double nearest = 1e9;
+                    for (const auto& stroke : strokes[i]) {
+                        for (size_t k = 0; k + 1 < stroke.size(); ++k) {
+                            for (int step = 0; step <= 400; ++step) {
+                                const double t = step / 400.0;
+                                const double px =
+                                    (stroke[k].x * (1 - t) + stroke[k + 1].x * t) * width;
+                                const double py =
+                                    (stroke[k].y * (1 - t) + stroke[k + 1].y * t) * height;
+                                nearest = std::min(nearest, std::hypot(px - x - 0.5, py - y - 0.5));
+                            }
+                        }
+                    }
+                    const double expected =
+                        std::clamp(lineWidth / 2 + 0.5 - nearest, 0.0, 1.0) * 255;
+                    ASSERT_NEAR(mask->row(y)[x], expected, 2)
+                        << "stroke " << i << ", width " << lineWidth << ", at " << x << ", " << y;
+                }
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace orvane

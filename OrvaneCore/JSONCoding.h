@@ -189,12 +189,10 @@ template <class T> struct JSONCoding<std::map<std::string, T>> {
     }
 };
 
-namespace detail {
-
 /// Reads the fields of a record, in the table's order, until one fails.
-class FieldReader {
+class JSONFieldReader {
 public:
-    FieldReader(JSONReader& reader, const JSON::Object& object)
+    JSONFieldReader(JSONReader& reader, const JSON::Object& object)
         : m_reader(reader)
         , m_object(object)
     {
@@ -221,7 +219,8 @@ private:
     const JSON::Object& m_object;
 };
 
-class FieldWriter {
+/// Collects the fields of a record into an object.
+class JSONFieldWriter {
 public:
     template <class T> void operator()(std::string_view key, const T& value)
     {
@@ -237,20 +236,18 @@ public:
     JSON::Object object;
 };
 
-} // namespace detail
-
 template <HasJSONFields T> struct JSONCoding<T> {
     static bool read(JSONReader& reader, const JSON& json, T& record)
     {
         if (!json.object())
             return reader.expected("an object");
-        detail::FieldReader field(reader, *json.object());
+        JSONFieldReader field(reader, *json.object());
         JSONRecord<T>::fields(field, record);
         return reader.ok();
     }
     static JSON written(const T& record)
     {
-        detail::FieldWriter field;
+        JSONFieldWriter field;
         JSONRecord<T>::fields(field, record);
         return std::move(field.object);
     }

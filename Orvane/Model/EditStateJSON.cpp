@@ -109,14 +109,14 @@ bool JSONCoding<EditState>::read(JSONReader& reader, const JSON& json, EditState
 {
     if (!json.object())
         return reader.expected("an object");
-    detail::FieldReader field(reader, *json.object());
+    JSONFieldReader field(reader, *json.object());
     fieldsOf(field, state);
     return reader.ok();
 }
 
 JSON JSONCoding<EditState>::written(const EditState& state)
 {
-    detail::FieldWriter field;
+    JSONFieldWriter field;
     fieldsOf(field, state);
     return std::move(field.object);
 }

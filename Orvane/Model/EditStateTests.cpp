@@ -47,7 +47,7 @@ TEST(EditState, NamesWhatChanged)
          [](EditState& s) { s.canvasAspect = 1, s.canvasFill = "edge"; }},
         {"Canvas off", [](EditState& s) { s.canvasAspect = 1; },
          [](EditState& s) { s.canvasAspect = 0; }},
-        {"Canvas fill", [&](EditState&) {}, [=](EditState& s) { s.canvasFill = "edge", text(s); }},
+        {"Canvas fill", [](EditState&) {}, [=](EditState& s) { s.canvasFill = "edge", text(s); }},
         {"Canvas fill", [](EditState&) {}, [](EditState& s) { s.canvasColor = "#ffffff"; }},
         {"Text added", [](EditState&) {}, [=](EditState& s) { text(s), s.adjust["exposure"] = 5; }},
         {"Text", text, [](EditState& s) { s.texts[0].x = 1; }},
@@ -55,6 +55,9 @@ TEST(EditState, NamesWhatChanged)
         {"Exposure", adjusted("exposure", 10), adjusted("exposure", -10)},
         {"Contrast", adjusted("exposure", 50),
          [](EditState& s) { s.adjust["contrast"] = -30, s.adjust["exposure"] = 60; }},
+        // Equal moves: the first key of the alphabet.
+        {"Clarity", [](EditState&) {},
+         [](EditState& s) { s.adjust["contrast"] = 20, s.adjust["clarity"] = -20; }},
         {"Duotone Hue", [](EditState&) {}, adjusted("duotoneHue", 5)},
         {"Some new slider", [](EditState&) {}, adjusted("someNewSlider", 0.0011)},
         {"Edit", adjusted("exposure", 10), adjusted("exposure", 10.0005)},
@@ -63,12 +66,14 @@ TEST(EditState, NamesWhatChanged)
          [](EditState& s) { s.lookStrength = 5, s.lutAmount = 5, s.aspectId = "1:1"; }},
         {"Edit", [](EditState&) {}, [](EditState&) {}},
     };
+    int row = 0;
     for (const auto& [name, before, after] : cases) {
         EditState previous;
         before(previous);
         EditState state = previous;
         after(state);
-        EXPECT_EQ(state.describe(&previous), name) << &name - &cases[0].name;
+        EXPECT_EQ(state.describe(&previous), name) << "row " << row;
+        ++row;
     }
     EXPECT_EQ(EditState().describe(nullptr), "Original");
 }

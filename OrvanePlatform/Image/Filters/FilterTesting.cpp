@@ -10,7 +10,7 @@
 #include <limits>
 #include <random>
 
-namespace orvane::testing {
+namespace orvane::FilterTesting {
 
 namespace {
 
@@ -82,4 +82,4 @@ double largestDifference(const std::vector<float>& a, const std::vector<float>& 
     return largest;
 }
 
-} // namespace orvane::testing
+} // namespace orvane::FilterTesting

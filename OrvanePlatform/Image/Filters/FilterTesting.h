@@ -9,7 +9,7 @@
 /// What the tests of single operations share: small pictures of floats in, floats out. Samples are
 /// premultiplied linear R G B A as the engine holds them; rows run upwards, so the first four
 /// floats are pixel (0, 0).
-namespace orvane::testing {
+namespace orvane::FilterTesting {
 
 /// A picture over (0, 0, width, height) from width * height * 4 floats. It counts as having alpha
 /// even where every alpha is 1. Reading divides by alpha and multiplies back: with an alpha that is
@@ -30,4 +30,4 @@ std::vector<float> randomFloats(size_t count, float low, float high, uint32_t se
 /// larger ones. Infinite when the lengths differ or a difference is not a number.
 double largestDifference(const std::vector<float>& a, const std::vector<float>& b);
 
-} // namespace orvane::testing
+} // namespace orvane::FilterTesting

@@ -10,7 +10,10 @@ set(ENCODER_SOURCES
   SrgbProfile.cpp
   TiffEncoder.cpp
   )
-set(ENCODER_TESTS)
+set(ENCODER_TESTS
+  MetadataTests.cpp
+  PictureEncoderTests.cpp
+  )
 
 if(ORVANE_HEIF_EXPORT)
   set_source_files_properties(HeifEncoder.cpp PROPERTIES COMPILE_DEFINITIONS ORVANE_HEIF_EXPORT)

@@ -48,7 +48,8 @@ std::optional<Exiv2::IptcData> parsedIptc(const std::vector<uint8_t>& records)
     prepareMetadataLibrary();
     try {
         Exiv2::IptcData data;
-        if (Exiv2::IptcParser::decode(data, records.data(), uint32_t(records.size())) != 0)
+        if (Exiv2::IptcParser::decode(data, records.data(), uint32_t(records.size())) != 0
+            || data.empty())
             return std::nullopt;
         return data;
     } catch (const std::exception&) {

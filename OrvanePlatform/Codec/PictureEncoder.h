@@ -78,7 +78,7 @@ struct EncodeSettings {
     bool alpha = false; ///< the picture has transparent pixels; JPEG ignores it
     int bits = 8; ///< 8 or 16; JPEG and HEIF take 8 only
     double quality = 0.9; ///< 0..1, JPEG and HEIF
-    ImageProperties properties; ///< written as preparedForExport makes them
+    ImageProperties properties = {}; ///< written as preparedForExport makes them
 };
 
 /// Takes the rows of a picture and writes a file of it, sRGB embedded. JPEG, PNG and TIFF are

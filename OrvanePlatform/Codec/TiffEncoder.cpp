@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
 
 #include <tiffio.h>
 
@@ -124,7 +123,8 @@ private:
     bool open();
     void describePixels();
     void writeBlocks();
-    void setResolution(const Exiv2::ExifData& data);
+    void setResolution(double x, double y, uint16_t unit);
+    void adoptResolution(const Exiv2::ExifData& data);
     Result<void> writeExif();
     Result<void> flushStrip();
 
@@ -174,6 +174,7 @@ void TiffEncoder::describePixels()
     TIFFSetField(m_tiff, TIFFTAG_COMPRESSION, compression);
     TIFFSetField(m_tiff, TIFFTAG_ROWSPERSTRIP, uint32_t(rows));
     TIFFSetField(m_tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    setResolution(72, 72, RESUNIT_INCH); // the format asks for one
     if (settings().alpha) {
         const uint16_t kind = EXTRASAMPLE_UNASSALPHA;
         TIFFSetField(m_tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);
@@ -188,10 +189,14 @@ void TiffEncoder::writeBlocks()
         TIFFSetField(m_tiff, TIFFTAG_XMLPACKET, uint32_t(properties.xmp.size()),
                      properties.xmp.data());
     if (!properties.iptc.empty()) {
-        // The library knows the tag as 32-bit words; readers pass over the padding.
-        std::vector<uint32_t> words((properties.iptc.size() + 3) / 4);
-        std::memcpy(words.data(), properties.iptc.data(), properties.iptc.size());
-        TIFFSetField(m_tiff, TIFFTAG_RICHTIFFIPTC, uint32_t(words.size()), words.data());
+        // Versions of the library count the tag in 32-bit words or in bytes; readers pass over
+        // zeros.
+        std::vector<uint8_t> padded = properties.iptc;
+        padded.resize((padded.size() + 3) / 4 * 4);
+        const TIFFField* field = TIFFFieldWithTag(m_tiff, TIFFTAG_RICHTIFFIPTC);
+        const bool words = field != nullptr && TIFFFieldDataType(field) == TIFF_LONG;
+        TIFFSetField(m_tiff, TIFFTAG_RICHTIFFIPTC, uint32_t(padded.size() / (words ? 4 : 1)),
+                     padded.data());
     }
 }
 
@@ -207,7 +212,7 @@ Result<void> TiffEncoder::writeExif()
         if (at != exif->data.end() && at->count() > 0)
             TIFFSetField(m_tiff, text.tag, at->toString().c_str());
     }
-    setResolution(exif->data);
+    adoptResolution(exif->data);
     const TiffKind kind = isBig() ? TiffKind::Big : TiffKind::Classic;
     for (const auto& [group, tag] : {std::pair{"Photo", uint32_t(TIFFTAG_EXIFIFD)},
                                      std::pair{"GPSInfo", uint32_t(TIFFTAG_GPSIFD)}}) {
@@ -223,7 +228,7 @@ Result<void> TiffEncoder::writeExif()
 }
 
 // Dots an inch or a centimetre, as the old file had them.
-void TiffEncoder::setResolution(const Exiv2::ExifData& data)
+void TiffEncoder::adoptResolution(const Exiv2::ExifData& data)
 {
     const auto number = [&](const char* key) {
         const auto at = data.findKey(Exiv2::ExifKey(key));
@@ -234,9 +239,14 @@ void TiffEncoder::setResolution(const Exiv2::ExifData& data)
     const double unit = number("Exif.Image.ResolutionUnit");
     if (!(x > 0) || !(y > 0) || (unit != RESUNIT_INCH && unit != RESUNIT_CENTIMETER))
         return;
+    setResolution(x, y, uint16_t(unit));
+}
+
+void TiffEncoder::setResolution(double x, double y, uint16_t unit)
+{
     TIFFSetField(m_tiff, TIFFTAG_XRESOLUTION, x);
     TIFFSetField(m_tiff, TIFFTAG_YRESOLUTION, y);
-    TIFFSetField(m_tiff, TIFFTAG_RESOLUTIONUNIT, uint16_t(unit));
+    TIFFSetField(m_tiff, TIFFTAG_RESOLUTIONUNIT, unit);
 }
 
 Result<void> TiffEncoder::encodeRows(const uint8_t* rows, int count, size_t rowBytes)

@@ -3,6 +3,7 @@
 #include "PlaneConversion.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace orvane {
 
@@ -54,10 +55,14 @@ void BandWriter::work(const std::function<TilePlanes(const PixelRect&)>& draw)
             m_writing = true;
             const int band = m_written;
             lock.unlock();
+            const auto start = std::chrono::steady_clock::now();
             Result<void> written =
                 m_sink.writeRows(bandMemory(band), bandRect(band).height(), m_rowBytes);
+            const std::chrono::duration<double, std::milli> spent =
+                std::chrono::steady_clock::now() - start;
             lock.lock();
             m_writing = false;
+            m_sinkMilliseconds += spent.count();
             ++m_written;
             if (!written) {
                 m_result = std::move(written);

@@ -24,6 +24,8 @@ public:
     void work(const std::function<TilePlanes(const PixelRect&)>& draw);
     /// After the last worker has returned.
     Result<void> result() const;
+    /// Time spent within the sink.
+    double sinkMilliseconds() const { return m_sinkMilliseconds; }
 
 private:
     PixelRect bandRect(int band) const;
@@ -50,6 +52,7 @@ private:
     bool m_writing = false;
     bool m_stopped = false;
     Result<void> m_result;
+    double m_sinkMilliseconds = 0;
 };
 
 } // namespace orvane

@@ -38,6 +38,8 @@ struct DrawStatistics {
     int storedImages = 0; ///< intermediates drawn into memory
     int reusedImages = 0; ///< intermediates taken from the cache
     size_t peakStoredBytes = 0;
+    double drawMilliseconds = 0; ///< the whole draw, wall time
+    double sinkMilliseconds = 0; ///< of it, within the sink; other workers go on drawing meanwhile
 };
 
 struct DrawOptions {

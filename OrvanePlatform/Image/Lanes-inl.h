@@ -174,7 +174,7 @@ HWY_INLINE Lanes exp2(Lanes x)
 }
 
 /// x^power for any finite x: numbers below 0 count as 0, and 0^power is 0. Relative error below
-/// 4e-6 for results of 1e-30 and more.
+/// 4e-6 for results of 1e-20 and more.
 HWY_INLINE Lanes power(Lanes x, Lanes exponent)
 {
     const Lanes tiny(1e-37f);

@@ -5,6 +5,7 @@
 #include "TileEvaluator.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <random>
 
@@ -30,6 +31,14 @@ struct TiledRenderer::Drawing {
             .add(uint64_t(format))
             .digest();
     }
+    void report()
+    {
+        if (!options.statistics)
+            return;
+        const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
+        statistics.drawMilliseconds = spent.count();
+        *options.statistics = statistics;
+    }
     void noteMemory()
     {
         size_t bytes = 0;
@@ -43,6 +52,7 @@ struct TiledRenderer::Drawing {
     StoredFormat format;
     const DrawOptions& options;
     DrawStatistics statistics;
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 
 namespace {
@@ -215,8 +225,7 @@ bool TiledRenderer::draw(const Node& root, const PixelRect& rect, StoredFormat f
     Drawing drawing(root, rect, format, options, m_settings);
     const bool finished =
         drawStored(drawing) && drawPass(drawing, drawing.plan.passes.back(), target);
-    if (options.statistics)
-        *options.statistics = drawing.statistics;
+    drawing.report();
     return finished;
 }
 
@@ -235,8 +244,8 @@ Result<void> TiledRenderer::draw(const Node& root, const PixelRect& rect, Stored
         bands.work([&](const PixelRect& tile) { return evaluator.draw(tile); });
     });
     ++drawing.statistics.passes;
-    if (options.statistics)
-        *options.statistics = drawing.statistics;
+    drawing.statistics.sinkMilliseconds = bands.sinkMilliseconds();
+    drawing.report();
     return bands.result();
 }
 

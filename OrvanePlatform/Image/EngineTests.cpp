@@ -1,0 +1,317 @@
+// What the engine promises of every recipe: passes as planned, the same bits however it is cut into
+// tiles and threads, the reference's picture, draws that can be cancelled, and a cache nobody sees.
+
+#include "Bitmap.h"
+#include "CIContext.h"
+#include "Filters/CIFilter.h"
+#include "Filters/FilterTesting.h"
+#include "Node.h"
+#include "Planner.h"
+#include "ReferenceRenderer.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+namespace orvane {
+namespace {
+
+using namespace FilterTesting;
+
+/// An 8-bit photograph of sorts: smooth, with edges and noise.
+CIImage photograph(int width, int height, int channels = 3)
+{
+    const AlphaKind alpha = channels == 4 ? AlphaKind::Straight : AlphaKind::None;
+    auto bitmap = std::make_shared<Bitmap>(width, height, channels, SampleType::U8, alpha);
+    std::mt19937 random(7);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            for (int c = 0; c < channels; ++c) {
+                const double wave = 128 + 60 * std::sin(x * 0.05 * (c + 1)) + 40 * std::cos(y * 0.09);
+                const int edge = (x / 37 + y / 29) % 2 * 25;
+                bitmap->row(y)[x * channels + c]
+                    = uint8_t(std::clamp(wave + edge + double(random() % 9), 0.0, 255.0));
+            }
+        }
+    }
+    return CIImage::withBitmap(bitmap);
+}
+
+/// Every kind of node in one recipe: pointwise runs, small and large blurs, two resamplings, moves.
+CIImage everything(const CIImage& source)
+{
+    CIImage image = source.oriented(6).transformed(CGAffineTransform::rotation(-0.05));
+    image = image.compositedOver(CIFilter::gaussianBlur(source.clampedToExtent(), 21))
+                .cropped(image.extent());
+    image = CIFilter::exposureAdjust(image, 0.4);
+    image = CIFilter::unsharpMask(image, 23, 0.5);
+    image = CIFilter::noiseReduction(image, 0.04);
+    image = CIFilter::unsharpMask(image, 1.3, 0.8);
+    image = CIFilter::bloom(image, 17, 0.3);
+    image = CIFilter::lanczosScaleTransform(image, 0.73);
+    return CIFilter::vignetteEffect(image, {60, 40}, 90, 0.4, 0.5);
+}
+
+PixelRect pixels(const CIImage& image)
+{
+    return image.node()->extent.rect;
+}
+
+std::vector<uint8_t> drawn(const CIImage& image, const CIContext& context, PixelFormat format,
+                           const DrawOptions& options = {})
+{
+    const PixelRect rect = pixels(image);
+    const size_t rowBytes = size_t(rect.width()) * size_t(bytesPerPixel(format));
+    std::vector<uint8_t> bytes(rowBytes * size_t(rect.height()));
+    EXPECT_TRUE(context.render(image, bytes.data(), rowBytes, rect.cgRect(), format, options));
+    return bytes;
+}
+
+TEST(Plan, PassesEndOnlyWhereTheyMust)
+{
+    const CIImage source = photograph(1200, 900);
+    const CIImage bright = CIFilter::exposureAdjust(source, 0.5);
+    const CIImage graded = CIFilter::vibrance(
+        CIFilter::colorControls(CIFilter::gammaAdjust(bright, 1.2), {.saturation = 1.3}), 0.4);
+    const auto flip = CGAffineTransform{-1, 0, 0, 1, 1200, 0};
+    const struct {
+        const char* name;
+        CIImage image;
+        int passes;
+        int stored;
+    } cases[] = {
+        {"a source", source, 1, 0},
+        {"a run of pointwise operations", graded, 1, 0},
+        {"moves, flips, crops and clamps between them",
+         CIFilter::exposureAdjust(graded.transformed(flip).cropped({10, 10, 900, 700}).clampedToExtent(),
+                                  0.1)
+             .cropped({0, 0, 1000, 800}),
+         1, 0},
+        {"a mix of a picture with its own grade", CIFilter::dissolveTransition(bright, graded, 0.5), 1, 0},
+        {"a narrow blur is drawn with a rim", CIFilter::unsharpMask(graded, 1, 0.5), 1, 0},
+        {"a wide blur reads a stored picture", CIFilter::unsharpMask(graded, 12, 0.5), 2, 1},
+        {"a large blur of a grade: the grade, its reduction, the result",
+         CIFilter::unsharpMask(graded, 30, 0.5), 3, 2},
+        {"a large blur of the source itself needs no copy of it", CIFilter::unsharpMask(source, 30, 0.5),
+         2, 1},
+        {"a slight rotation samples as it goes",
+         graded.transformed(CGAffineTransform::rotation(0.03)), 1, 0},
+        {"a steep one stores first", graded.transformed(CGAffineTransform::rotation(0.7)), 2, 1},
+        {"but not what comes straight from a file",
+         source.transformed(CGAffineTransform::rotation(0.7)), 1, 0},
+        {"a reduction", CIFilter::lanczosScaleTransform(graded, 0.3), 1, 0},
+        {"equal recipes built twice are drawn once",
+         CIFilter::maximumCompositing(CIFilter::gaussianBlur(graded.clampedToExtent(), 30),
+                                      CIFilter::gaussianBlur(graded.clampedToExtent(), 30))
+             .cropped(graded.extent()),
+         2, 1},
+    };
+    for (const auto& c : cases) {
+        DrawStatistics statistics;
+        CIContext context;
+        drawn(c.image, context, PixelFormat::RGBA8, {.statistics = &statistics});
+        EXPECT_EQ(statistics.passes, c.passes) << c.name;
+        EXPECT_EQ(statistics.storedImages, c.stored) << c.name;
+    }
+}
+
+TEST(Plan, OnlyTheAskedRectangleIsDrawn)
+{
+    const CIImage image = everything(photograph(300, 220));
+    const auto whole = tiled(image, pixels(image));
+    const PixelRect all = pixels(image);
+    const PixelRect part{all.x0 + 31, all.y0 + 17, all.x0 + 90, all.y0 + 60};
+    const auto piece = tiled(image, part);
+    for (int y = part.y0; y < part.y1; ++y) {
+        for (int x = part.x0; x < part.x1; ++x) {
+            const auto inWhole = size_t((y - all.y0) * all.width() + x - all.x0) * 4;
+            const auto inPiece = size_t((y - part.y0) * part.width() + x - part.x0) * 4;
+            for (size_t c = 0; c < 4; ++c)
+                ASSERT_EQ(piece[inPiece + c], whole[inWhole + c]) << x << ", " << y;
+        }
+    }
+    const Plan plan = makePlan(*photograph(4000, 3000).node(), {100, 100, 200, 150}, 0, 0);
+    EXPECT_EQ(plan.passes.back().region, (PixelRect{100, 100, 200, 150}));
+}
+
+TEST(Tiles, AnySizeOrderAndNumberOfThreadsGiveTheSameBits)
+{
+    for (const int channels : {3, 4}) {
+        const CIImage image = everything(photograph(210, 160, channels));
+        for (const PixelFormat format :
+             {PixelFormat::RGBA8, PixelFormat::RGBA16, PixelFormat::RGBAFloat}) {
+            const auto expected = drawn(image, CIContext({.threads = 1}), format);
+            const CIContext::Options settings[]
+                = {{.threads = 1, .tileWidth = 64, .tileHeight = 64, .shuffleSeed = 3},
+                   {.threads = 3, .tileWidth = 33, .tileHeight = 17, .shuffleSeed = 11},
+                   {.threads = 8, .tileWidth = 7, .tileHeight = 50, .shuffleSeed = 5},
+                   {.threads = 2, .tileWidth = 500, .tileHeight = 1}};
+            for (const CIContext::Options& options : settings)
+                EXPECT_EQ(drawn(image, CIContext(options), format), expected)
+                    << options.threads << " threads, tiles of " << options.tileWidth << " x "
+                    << options.tileHeight;
+        }
+    }
+}
+
+TEST(Tiles, AgreeWithTheReference)
+{
+    for (const int channels : {3, 4}) {
+        const CIImage image = everything(photograph(150, 110, channels));
+        const auto fast = tiled(image, pixels(image));
+        const auto exact = reference(image, pixels(image));
+        double worst = 0;
+        for (size_t i = 0; i < fast.size(); ++i)
+            worst = std::max(worst, double(std::abs(fast[i] - exact[i])));
+        // The large blurs at reduced size are the greater part of it.
+        EXPECT_LT(worst, 2e-3) << channels << " channels";
+    }
+}
+
+TEST(Sources, EveryDepthAndLayoutIsReadAlike)
+{
+    const auto matrix = std::array<float, 9>{0.9f, 0.1f, 0, -0.1f, 1.1f, 0, 0, 0.05f, 0.95f};
+    for (const SampleType type : {SampleType::U8, SampleType::U16, SampleType::F16, SampleType::F32}) {
+        for (int channels = 1; channels <= 4; ++channels) {
+            for (const AlphaKind alpha : {AlphaKind::Straight, AlphaKind::Premultiplied}) {
+                const bool hasAlpha = channels == 2 || channels == 4;
+                auto bitmap = std::make_shared<Bitmap>(41, 5, channels, type,
+                                                       hasAlpha ? alpha : AlphaKind::None);
+                std::mt19937 random(uint32_t(channels) * 7 + uint32_t(type));
+                for (int y = 0; y < 5; ++y) {
+                    for (int i = 0; i < 41 * channels; ++i) {
+                        void* row = bitmap->row(y);
+                        const float unit = float(random() % 1000) / 999;
+                        if (type == SampleType::U8)
+                            static_cast<uint8_t*>(row)[i] = uint8_t(random());
+                        else if (type == SampleType::U16)
+                            static_cast<uint16_t*>(row)[i] = uint16_t(random());
+                        else if (type == SampleType::F16)
+                            static_cast<uint16_t*>(row)[i] = uint16_t(random() % 0x4000);
+                        else
+                            static_cast<float*>(row)[i] = unit * 2 - 0.3f * float(i % channels < 3);
+                    }
+                }
+                bitmap->conversion.matrix = matrix;
+                const CIImage image = CIImage::withBitmap(bitmap);
+                const auto fast = tiled(image, {-2, -1, 43, 6});
+                const auto exact = reference(image, {-2, -1, 43, 6});
+                // Premultiplied integers are divided in whole numbers: a tie may fall a step apart.
+                const double tolerance = alpha == AlphaKind::Premultiplied && hasAlpha ? 6e-3 : 2e-6;
+                for (size_t i = 0; i < fast.size(); ++i)
+                    ASSERT_NEAR(fast[i], exact[i], tolerance)
+                        << "type " << int(type) << ", " << channels << " channels, value " << i;
+            }
+        }
+    }
+}
+
+TEST(Output, RoundsEncodesAndLimitsAsFilesNeed)
+{
+    const std::vector<float> greys = {0, 0.0005f, 0.18f, 0.2158605f, 0.5f, 1, 1.7f, -0.1f};
+    std::vector<float> rgba;
+    for (const float v : greys)
+        rgba.insert(rgba.end(), {v, v, v, 1});
+    const CIImage row = pixelsImage(8, 1, rgba);
+    const CIContext context;
+    const auto bytes = drawn(row, context, PixelFormat::RGB8);
+    const int expected[] = {0, 2, 118, 128, 188, 255, 255, 0};
+    for (size_t i = 0; i < 8; ++i)
+        EXPECT_EQ(bytes[i * 3 + 1], expected[i]) << greys[i];
+    const auto deep = drawn(row, context, PixelFormat::RGB16);
+    uint16_t sample = 0;
+    std::memcpy(&sample, &deep[2 * 6], 2);
+    EXPECT_EQ(sample, 30235);
+
+    const CIImage half = pixelsImage(1, 1, {0.09f, 0.09f, 0.09f, 0.5f});
+    EXPECT_EQ(drawn(half, context, PixelFormat::RGBA8Premultiplied), (std::vector<uint8_t>{59, 59, 59, 128}));
+    EXPECT_EQ(drawn(half, context, PixelFormat::RGBA8), (std::vector<uint8_t>{118, 118, 118, 128}));
+    const float nan = std::nanf("");
+    const float infinity = HUGE_VALF;
+    const CIImage bad = CIFilter::additionCompositing(pixelsImage(2, 1, {nan, infinity, -infinity, 1, 0, 0, 0, 1}),
+                                                      CIImage::withColor({0, 0, 0, 0}));
+    EXPECT_EQ(drawn(bad.cropped({0, 0, 2, 1}), context, PixelFormat::RGB8).size(), 6u);
+    // Outside the image: zeros.
+    std::vector<float> outside(8, 9.0f);
+    ASSERT_TRUE(context.render(half, outside.data(), 32, {5.9, 3, 2, 1}, PixelFormat::RGBAFloat));
+    EXPECT_EQ(outside, std::vector<float>(8, 0.0f));
+}
+
+/// Keeps its rows; refuses after a number of them.
+class Rows final : public RowSink {
+public:
+    explicit Rows(int limit)
+        : m_limit(limit)
+    {
+    }
+    PixelFormat format() const override { return PixelFormat::RGB8; }
+    Result<void> writeRows(const uint8_t* rows, int count, size_t rowBytes) override
+    {
+        m_rows += count;
+        if (m_rows > m_limit)
+            return Error{"full"};
+        bytes.insert(bytes.end(), rows, rows + size_t(count) * rowBytes);
+        return {};
+    }
+    std::vector<uint8_t> bytes;
+
+private:
+    int m_rows = 0;
+    int m_limit;
+};
+
+TEST(Rows, ComeInOrderAndStopAtAnError)
+{
+    const CIImage image = CIFilter::exposureAdjust(photograph(333, 1001), -0.3);
+    for (const int threads : {1, 2, 8}) {
+        const CIContext context({.threads = threads});
+        Rows all(1001);
+        ASSERT_TRUE(context.render(image, image.extent(), all).ok());
+        EXPECT_EQ(all.bytes, drawn(image, context, PixelFormat::RGB8)) << threads;
+        Rows few(300);
+        const Result<void> refused = context.render(image, image.extent(), few);
+        ASSERT_FALSE(refused.ok());
+        EXPECT_EQ(refused.error().message, "full");
+    }
+}
+
+TEST(Cancellation, StopsEveryKindOfDraw)
+{
+    const CIImage image = everything(photograph(300, 200));
+    const CIContext context;
+    CancellationToken token;
+    token.cancel();
+    const DrawOptions options{.cancellation = &token};
+    EXPECT_FALSE(context.createCGImage(image, image.extent(), options).has_value());
+    Rows rows(100000);
+    EXPECT_FALSE(context.render(image, image.extent(), rows, options).ok());
+    EXPECT_TRUE(rows.bytes.empty());
+    EXPECT_FALSE(context.createCGImage(image, CGRect::infinite()).has_value());
+}
+
+TEST(Cache, SparesEarlierStagesAndChangesNothing)
+{
+    const CIImage graded = CIFilter::unsharpMask(CIFilter::exposureAdjust(photograph(400, 300), 0.2), 20, 0.6);
+    const auto late = [&](double intensity) {
+        return CIFilter::vignetteEffect(graded, {200, 150}, 250, intensity, 0.5);
+    };
+    CIContext context;
+    DrawStatistics statistics;
+    const DrawOptions keep{.keepIntermediates = true, .statistics = &statistics};
+    drawn(late(0.1), context, PixelFormat::BGRX8, keep);
+    EXPECT_EQ(statistics.passes, 3);
+    const auto reused = drawn(late(0.7), context, PixelFormat::BGRX8, keep);
+    EXPECT_EQ(statistics.passes, 1);
+    EXPECT_EQ(statistics.reusedImages, 2);
+    EXPECT_EQ(reused, drawn(late(0.7), CIContext(), PixelFormat::BGRX8));
+    // A budget too small for anything still draws the right picture.
+    CIContext small({.cacheBytes = 1000});
+    EXPECT_EQ(drawn(late(0.7), small, PixelFormat::BGRX8, keep), reused);
+    // A sub-rectangle is served by what was kept of the whole, and the other way about it is not.
+    drawn(late(0.7).cropped({50, 50, 60, 60}), context, PixelFormat::BGRX8, keep);
+    EXPECT_EQ(statistics.passes, 1);
+}
+
+} // namespace
+} // namespace orvane

@@ -1,0 +1,217 @@
+// Moves, turns, transforms, scaling and blurs: published numbers in both renderers, and exactness
+// where it is promised.
+
+#include "Bitmap.h"
+#include "Filters/CIFilter.h"
+#include "Filters/FilterTesting.h"
+#include "Node.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace orvane {
+namespace {
+
+using namespace FilterTesting;
+
+/// A row of opaque grey pixels.
+CIImage greyRow(const std::vector<float>& values)
+{
+    std::vector<float> rgba;
+    for (const float v : values)
+        rgba.insert(rgba.end(), {v, v, v, 1});
+    return pixelsImage(int(values.size()), 1, rgba);
+}
+
+/// A picture in which every pixel is another.
+CIImage numbered(int width, int height)
+{
+    std::vector<float> rgba;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x)
+            rgba.insert(rgba.end(), {float(x) / 16, float(y) / 16, float(x * y % 7) / 8, 1});
+    }
+    return pixelsImage(width, height, rgba);
+}
+
+void expectRed(const CIImage& image, const PixelRect& rect, const std::vector<double>& expected,
+               double tolerance)
+{
+    for (const auto& [name, values] : {std::pair{"tiled", tiled(image, rect)},
+                                       std::pair{"reference", reference(image, rect)}}) {
+        ASSERT_EQ(values.size(), expected.size() * 4);
+        for (size_t i = 0; i < expected.size(); ++i)
+            EXPECT_NEAR(values[i * 4], expected[i], tolerance) << name << " pixel " << i;
+    }
+}
+
+PixelRect pixelExtent(const CIImage& image)
+{
+    return image.node()->extent.rect;
+}
+
+TEST(Structure, ClampedAndCroppedReads)
+{
+    const CIImage row = greyRow({1, 2, 3});
+    expectRed(row.clampedToExtent(), {-5, 0, -4, 1}, {1}, 0);
+    expectRed(row.clampedToExtent(), {9, 4, 10, 5}, {3}, 0);
+    expectRed(row.clampedToExtent(), {-2, -1, 5, 0}, {1, 1, 1, 2, 3, 3, 3}, 0);
+    EXPECT_TRUE(row.clampedToExtent().extent().isInfinite());
+    EXPECT_TRUE(row.cropped({5, 0, 2, 1}).isEmpty());
+    EXPECT_TRUE(CIImage().clampedToExtent().isEmpty());
+    // Rounded to the nearest whole pixel, and nothing is moved.
+    const CIImage cut = row.cropped({0.6, 0, 1.6, 1});
+    EXPECT_EQ(cut.extent(), CGRect(1, 0, 1, 1));
+    expectRed(cut, {0, 0, 3, 1}, {0, 2, 0}, 0);
+    EXPECT_TRUE(row.cropped({-3, -3, 99, 99}).isSame(row));
+}
+
+TEST(Structure, OrientationsAreExactCopies)
+{
+    // Stored rows from the top: A B / C D / E F.
+    auto bitmap = std::make_shared<Bitmap>(2, 3, 1, SampleType::U8, AlphaKind::None);
+    const std::string letters = "ABCDEF";
+    for (int i = 0; i < 6; ++i)
+        bitmap->row(i / 2)[i % 2] = uint8_t(letters[size_t(i)]);
+    const CIImage image = CIImage::withBitmap(bitmap);
+    // The rows that each orientation shows, from the top.
+    const std::vector<std::vector<std::string>> shown
+        = {{"AB", "CD", "EF"}, {"BA", "DC", "FE"}, {"FE", "DC", "BA"}, {"EF", "CD", "AB"},
+           {"ACE", "BDF"},     {"ECA", "FDB"},     {"FDB", "ECA"},     {"BDF", "ACE"}};
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+        const CIImage turned = image.oriented(orientation);
+        const auto& rows = shown[size_t(orientation - 1)];
+        const int width = int(rows[0].size());
+        const int height = int(rows.size());
+        ASSERT_EQ(turned.extent(), CGRect(0, 0, width, height)) << orientation;
+        const auto pixels = tiled(turned, pixelExtent(turned));
+        EXPECT_LT(largestDifference(pixels, reference(turned, pixelExtent(turned))), 1e-6);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                const auto letter = size_t(rows[size_t(height - 1 - y)][size_t(x)]);
+                EXPECT_EQ(pixels[size_t(y * width + x) * 4], (*srgbDecodingTable(SampleType::U8))[letter])
+                    << "orientation " << orientation << " at " << x << ", " << y;
+            }
+        }
+    }
+}
+
+TEST(Transform, WholePixelChainsStayExactAndCombine)
+{
+    const CIImage image = numbered(5, 4);
+    const CIImage there = image.transformed(CGAffineTransform::translation(7, -3));
+    EXPECT_EQ(there.extent(), CGRect(7, -3, 5, 4));
+    EXPECT_TRUE(there.transformed(CGAffineTransform::translation(-7, 3)).isSame(image));
+    const auto quarter = CGAffineTransform::rotation(std::acos(0.0));
+    CIImage turned = image;
+    for (int i = 0; i < 4; ++i)
+        turned = turned.transformed(quarter);
+    EXPECT_TRUE(turned.isSame(image));
+    // Two turns of 20 degrees sample once: the same as one of 40.
+    const auto twenty = CGAffineTransform::rotation(0.349065850398866);
+    const CIImage twice = image.transformed(twenty).transformed(twenty);
+    EXPECT_EQ(twice.node()->inputs.front(), image.node());
+}
+
+TEST(Transform, BilinearSamplesAndHalvings)
+{
+    const CIImage moved = greyRow({0, 1}).transformed(CGAffineTransform::translation(0.5, 0));
+    EXPECT_EQ(moved.extent(), CGRect(0, 0, 3, 1));
+    expectRed(moved, {0, 0, 3, 1}, {0, 0.5, 0.5}, 1e-6);
+    EXPECT_NEAR(tiled(moved, {0, 0, 3, 1})[3], 0.5, 1e-6);
+    EXPECT_NEAR(tiled(moved, {0, 0, 3, 1})[11], 0.5, 1e-6);
+
+    const auto halvings = [](double scale) {
+        int count = 0;
+        const CIImage scaled = numbered(40, 40).transformed(CGAffineTransform::scale(scale, scale));
+        for (NodePtr node = scaled.node()->inputs.front(); node->as<HalveNode>(); node = node->inputs[0])
+            ++count;
+        return count;
+    };
+    EXPECT_EQ(halvings(0.44), 0);
+    EXPECT_EQ(halvings(0.43527), 1);
+    EXPECT_EQ(halvings(0.2176), 2);
+    // An odd last column is paired with itself, so a constant stays one.
+    const CIImage constant = greyRow(std::vector<float>(7, 0.5f)).clampedToExtent().cropped({0, 0, 7, 9});
+    const CIImage small = constant.clampedToExtent().transformed(CGAffineTransform::scale(0.3, 0.3));
+    expectRed(small, {0, 0, 2, 1}, {0.5, 0.5}, 1e-6);
+}
+
+TEST(Lanczos, PublishedRowAndConstants)
+{
+    const CIImage half = CIFilter::lanczosScaleTransform(greyRow({0, 0, 0, 0, 1, 1, 1, 1}), 1, 0.5);
+    EXPECT_EQ(half.extent(), CGRect(0, 0, 4, 1));
+    expectRed(half, {0, 0, 4, 1}, {-0.015253, 0.053615, 0.946385, 1.015253}, 2e-6);
+    for (const double scale : {0.07, 0.31, 0.9, 1.7, 3.0}) {
+        const CIImage grey = greyRow(std::vector<float>(23, 0.25f)).clampedToExtent().cropped({3, -2, 29, 17});
+        const CIImage scaled = CIFilter::lanczosScaleTransform(grey, scale);
+        for (const float v : tiled(scaled, pixelExtent(scaled)))
+            ASSERT_TRUE(std::abs(v - 0.25f) < 2e-6f || std::abs(v - 1) < 2e-6f) << v;
+    }
+}
+
+TEST(Blur, PublishedWeightsAndSteps)
+{
+    std::vector<float> impulse(15, 0.0f);
+    impulse[7] = 1;
+    const CIImage row = greyRow(impulse);
+    // Across only: clamped rows make the vertical pass the identity.
+    const CIImage wide = row.clampedToExtent();
+    expectRed(CIFilter::gaussianBlur(wide, 1), {4, 0, 11, 1},
+              {0.00598, 0.06063, 0.24184, 0.38310, 0.24184, 0.06063, 0.00598}, 6e-6);
+    expectRed(CIFilter::gaussianBlur(wide, 2), {7, 0, 14, 1},
+              {0.19764, 0.17487, 0.12112, 0.06567, 0.02787, 0.00926, 0.00241}, 6e-6);
+    EXPECT_EQ(CIFilter::gaussianBlur(row, 2).extent(), CGRect(-6, -6, 27, 13));
+    EXPECT_TRUE(CIFilter::gaussianBlur(wide, 2).extent().isInfinite());
+    EXPECT_TRUE(CIFilter::gaussianBlur(row, 0).isSame(row));
+
+    std::vector<float> step(40, 0.0f);
+    std::fill(step.begin() + 20, step.end(), 1.0f);
+    const CIImage edge = greyRow(step);
+    expectRed(CIFilter::gaussianBlur(edge.clampedToExtent(), 2), {19, 0, 21, 1}, {0.40118, 0.59882}, 6e-6);
+    expectRed(CIFilter::unsharpMask(edge, 1, 0.9), {19, 0, 21, 1}, {-0.277604, 1.277604}, 2e-6);
+    expectRed(CIFilter::unsharpMask(edge, 1, -0.5), {19, 0, 21, 1}, {0.154224, 0.845776}, 2e-6);
+    EXPECT_EQ(CIFilter::unsharpMask(edge, 1, 0.9).extent(), edge.extent());
+}
+
+TEST(Blur, LargeSigmasAtReducedSizeStayCloseToTheFullSum)
+{
+    std::vector<float> step(900, 0.0f);
+    std::fill(step.begin() + 437, step.end(), 1.0f);
+    const CIImage edge = greyRow(step).clampedToExtent();
+    for (const double sigma : {16.0, 23.7, 40.0, 90.0}) {
+        const CIImage blurred = CIFilter::gaussianBlur(edge, sigma);
+        const auto fast = tiled(blurred, {200, 0, 700, 1});
+        const auto exact = reference(blurred, {200, 0, 700, 1});
+        for (size_t i = 0; i < fast.size(); ++i)
+            ASSERT_NEAR(fast[i], exact[i], 4e-4) << "sigma " << sigma << " at " << i / 4;
+    }
+    // A picture that ends fades into transparency just as far.
+    const CIImage fading = CIFilter::gaussianBlur(numbered(60, 50), 20);
+    const auto fast = tiled(fading, pixelExtent(fading));
+    const auto exact = reference(fading, pixelExtent(fading));
+    for (size_t i = 0; i < fast.size(); ++i)
+        ASSERT_NEAR(fast[i], exact[i], 2e-3) << i;
+}
+
+TEST(Blur, BloomAndVariableBlur)
+{
+    const CIImage grey = greyRow(std::vector<float>(9, 0.18f));
+    expectRed(CIFilter::bloom(grey, 2, 1), {4, 0, 5, 1}, {0.3276}, 2e-6);
+    expectRed(CIFilter::bloom(grey, 2, 0.22), {4, 0, 5, 1}, {0.212472}, 2e-6);
+    EXPECT_TRUE(CIFilter::bloom(grey, 2, 0).isSame(grey));
+
+    const CIImage picture = numbered(31, 23);
+    const PixelRect all = pixelExtent(picture);
+    const CIImage black = greyRow({0}).clampedToExtent();
+    const CIImage white = greyRow({1}).clampedToExtent();
+    EXPECT_EQ(tiled(CIFilter::maskedVariableBlur(picture, black, 5), all), tiled(picture, all));
+    const auto full = tiled(CIFilter::maskedVariableBlur(picture, white, 5), all);
+    const auto plain = tiled(CIFilter::gaussianBlur(picture.clampedToExtent(), 5), all);
+    for (size_t i = 0; i < full.size(); ++i)
+        ASSERT_NEAR(full[i], plain[i], 1e-6);
+}
+
+} // namespace
+} // namespace orvane

@@ -13,7 +13,14 @@ namespace orvane {
 
 namespace {
 
+// 20 megapixels at quality 0.9, 4:4:4, two 2.5 GHz Xeon cores, time and size:
+//   fast                       59 s, 12.2 MB
+//   superfast                  45 s, 11.0 MB
+//   ultrafast                  12 s, 10.9 MB
+//   ultrafast, shallow trees   8 to 12 s, 11.1 MB
+// For a single frame the slower presets search for what only moving pictures repay.
 constexpr const char* preset = "ultrafast";
+constexpr int transformTreeDepth = 1;
 
 template <class T, void (*release)(T*)> struct Releaser {
     void operator()(T* object) const { release(object); }
@@ -102,6 +109,8 @@ heif_error HeifEncoder::prepareCoder(heif_context* context, heif_encoder** coder
                                                   settings().quality >= 0.9 ? "444" : "420");
     if (error.code == heif_error_Ok)
         error = heif_encoder_set_parameter_string(*coder, "preset", preset);
+    if (error.code == heif_error_Ok)
+        error = heif_encoder_set_parameter_integer(*coder, "tu-intra-depth", transformTreeDepth);
     return error;
 }
 

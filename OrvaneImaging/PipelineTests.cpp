@@ -1,6 +1,7 @@
 #include "Pipeline.h"
 
 #include "Node.h"
+#include "ReferenceRenderer.h"
 #include "Stages.h"
 #include "TestImages.h"
 
@@ -141,6 +142,30 @@ TEST(Pipeline, KeepsAnOpaquePictureOpaque)
     const CIImage image = coordinates(40, 24);
     for (const Stages::Stage& stage : Stages::all())
         EXPECT_TRUE(stage.draw(image, everything()).node()->opaque) << stage.name;
+}
+
+TEST(Pipeline, DrawsTheSameInTilesAsStageByStage)
+{
+    const CIImage image = coordinates(70, 45);
+    const CIImage graded = Pipeline::render(image, everything());
+    const PixelRect rect{0, 0, 70, 45};
+    const FloatImage expected = drawReference(graded, rect);
+    for (const CIContext::Options& options :
+         {CIContext::Options{.threads = 1},
+          CIContext::Options{.threads = 3, .tileWidth = 32, .tileHeight = 9, .shuffleSeed = 7}}) {
+        const CIContext context(options);
+        std::vector<float> actual(expected.samples.size());
+        ASSERT_TRUE(
+            context.render(graded, actual.data(), 70 * 16, rect.cgRect(), PixelFormat::RGBAFloat));
+        for (int y = 0; y < 45; ++y) {
+            for (int x = 0; x < 70; ++x) {
+                for (int c = 0; c < 4; ++c)
+                    ASSERT_NEAR(actual[size_t(((44 - y) * 70 + x) * 4 + c)], expected.at(x, y)[c],
+                                1e-3)
+                        << x << ", " << y;
+            }
+        }
+    }
 }
 
 TEST(Pipeline, LeavesAnInfiniteImageAloneWhereAFrameIsNeeded)
@@ -287,7 +312,7 @@ TEST(Pipeline, ConvertsHslToRgb)
         {180, 1, 0.25, {0, 0.5, 0.5, 1}},
         {240, 0.5, 0.5, {0.25, 0.25, 0.75, 1}},
         {300, 1, 0.5, {1, 0, 1, 1}},
-        {-30, 1, 0.5, {1, 0, 0.5, 1}},
+        {330, 1, 0.5, {1, 0, 0.5, 1}},
         {77, 0, 0.4, {0.4, 0.4, 0.4, 1}},
     };
     for (const auto& c : cases) {

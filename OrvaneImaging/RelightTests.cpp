@@ -127,8 +127,8 @@ TEST(BrushMask, CoversEverythingWithinHalfTheLineWidth)
         {{{0.5, 0.1}, {0.5, 0.9}}}, {{{-0.2, 0.3}, {1.3, 0.4}}},
         {{{0.6, 0.4}, {0.6, 0.4}}}, {{{0.9, 0.9}, {0.4, 0.1}, {0.1, 0.8}}},
     };
-    const int width = 37;
-    const int height = 29;
+    const int width = 23;
+    const int height = 19;
     for (const double lineWidth : {1.0, 5.0, 16.5}) {
         for (size_t i = 0; i < std::size(strokes); ++i) {
             const auto mask = brushMask(strokes[i], width, height, lineWidth);
@@ -137,8 +137,8 @@ TEST(BrushMask, CoversEverythingWithinHalfTheLineWidth)
                     double nearest = 1e9;
                     for (const auto& stroke : strokes[i]) {
                         for (size_t k = 0; k + 1 < stroke.size(); ++k) {
-                            for (int step = 0; step <= 400; ++step) {
-                                const double t = step / 400.0;
+                            for (int step = 0; step <= 2000; ++step) {
+                                const double t = step / 2000.0;
                                 const double px =
                                     (stroke[k].x * (1 - t) + stroke[k + 1].x * t) * width;
                                 const double py =

@@ -45,9 +45,11 @@ ORVANE_KERNEL(maskedSharpenKernel, MaskedSharpen, "maskedSharpen");
 CIImage Kernels::maskedSharpen(const CIImage& original, const CIImage& sharpened,
                                const CIImage& blurred, double threshold)
 {
+    // The blurred image only measures: its faded border takes no opacity away.
+    const bool opaque = original.node()->opaque && sharpened.node()->opaque;
     using Record = HWY_NAMESPACE::MaskedSharpen::Record;
     return applyKernel(maskedSharpenKernel, Parameters::of(Record{float(threshold)}),
-                       {{original, sharpened, blurred}});
+                       {{original, sharpened, blurred}}, original.extent(), opaque);
 }
 
 } // namespace orvane

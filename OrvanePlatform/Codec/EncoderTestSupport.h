@@ -27,7 +27,7 @@ inline std::vector<uint8_t> testExif(const ExifContents& contents)
     data["Exif.Image.Make"] = contents.opaqueMaker ? "Nobody" : "Canon";
     data["Exif.Image.Model"] = "Box";
     data["Exif.Image.Orientation"] = uint16_t(6);
-    data["Exif.Photo.ExposureTime"] = Exiv2::Rational(1, 8000);
+    data["Exif.Photo.ExposureTime"] = Exiv2::URational(1, 8000);
     data["Exif.Photo.ColorSpace"] = uint16_t(2);
     data["Exif.Iop.InteroperabilityIndex"] = "R03";
     data["Exif.Thumbnail.ImageWidth"] = uint32_t(16);

@@ -1,3 +1,4 @@
+#include "Filters/CIFilter.h"
 #include "Heal.h"
 #include "TestImages.h"
 
@@ -65,6 +66,47 @@ TEST(Heal, PatchesFromWhatTheSpotsBeforeLeft)
     const HealSpot second{0.14, 0.14, 0.06};
     EXPECT_EQ(pixel(Heal::apply(image, {second}), 28, 172)[0], 0);
     EXPECT_NEAR(pixel(Heal::apply(image, {first, second}), 28, 172)[0], 1, 1e-5f);
+}
+
+/// The definition, spot by spot over the whole picture. radii and places in pixels of 90 x 60.
+CIImage blendedOneByOne(CIImage image, const std::vector<HealSpot>& spots)
+{
+    for (const HealSpot& spot : spots) {
+        const double r = std::max(90 * spot.r, 2.0);
+        const CGPoint center{90 * spot.x, 60 - 60 * spot.y};
+        const auto move = CGAffineTransform::translation(center.x < 45 ? -r * 2.4 : r * 2.4,
+                                                         center.y < 30 ? -r * 2.4 : r * 2.4);
+        const CIImage mask =
+            CIFilter::radialGradient(center, 0.6 * r, {1, 1, 1, 1}, r, {0, 0, 0, 0});
+        image =
+            CIFilter::blendWithMask(image.transformed(move).cropped({0, 0, 90, 60}), image, mask)
+                .cropped({0, 0, 90, 60});
+    }
+    return image;
+}
+
+TEST(Heal, EqualsBlendingSpotBySpot)
+{
+    // A stroke whose spots and sources overlap each other, and single spots out to the corners.
+    std::vector<HealSpot> spots;
+    for (int i = 0; i < 24; ++i)
+        spots.push_back({0.2 + 0.02 * i, 0.25 + 0.015 * i, 0.04});
+    for (const double at : {0.0, 0.3, 0.98})
+        spots.push_back({at, 1 - at, 0.07});
+    for (const bool opaque : {true, false}) {
+        const CIImage image = picture(
+            90, 60,
+            [=](int x, int y) {
+                const float alpha = opaque || x < 50 ? 1.0f : 0.5f;
+                return Color{float(x * 7 % 31) / 31 * alpha, float(y * 5 % 17) / 17 * alpha,
+                             float((x + y) % 9) / 9 * alpha, alpha};
+            },
+            opaque);
+        const auto fast = pixels(Heal::apply(image, spots), 90, 60);
+        const auto plain = pixels(blendedOneByOne(image, spots), 90, 60);
+        for (size_t i = 0; i < plain.size(); ++i)
+            expectNear(fast[i], plain[i], 1e-5f);
+    }
 }
 
 TEST(Heal, NeverTearsThePicture)

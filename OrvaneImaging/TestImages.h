@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <vector>
 
 /// Small pictures for tests, and single pixels of what is drawn. y points up throughout.
 namespace orvane::test {
@@ -60,6 +61,16 @@ inline Color pixel(const CIImage& image, int x, int y)
     context.render(image, color.data(), sizeof color, {double(x), double(y), 1, 1},
                    PixelFormat::RGBAFloat);
     return color;
+}
+
+/// All pixels of (0, 0, width, height), rows from the top.
+inline std::vector<Color> pixels(const CIImage& image, int width, int height,
+                                 const CIContext& context = CIContext())
+{
+    std::vector<Color> colors(size_t(width) * size_t(height));
+    context.render(image, colors.data(), size_t(width) * sizeof(Color),
+                   {0, 0, double(width), double(height)}, PixelFormat::RGBAFloat);
+    return colors;
 }
 
 /// The colour of any pixel of a picture that is the same everywhere.

@@ -17,5 +17,14 @@ set(DECODER_SOURCES
   WebPDecoder.cpp
   )
 set(DECODER_TESTS
+  ColorProfileTests.cpp
+  DamagedPictureTests.cpp
   DecoderSupportTests.cpp
+  PictureDecoderTests.cpp
+  RawDecoderTests.cpp
+  TestBlocks.cpp
+  TestPictures.cpp
   )
+
+add_executable(orvane-fuzz-decoders EXCLUDE_FROM_ALL FuzzDecoders.cpp)
+target_link_libraries(orvane-fuzz-decoders PRIVATE OrvaneCodec)

@@ -1,8 +1,8 @@
 #include "ExifReader.h"
 
-#include <exiv2/exiv2.hpp>
+#include "ExifBlock.h"
 
-#include <mutex>
+#include <algorithm>
 
 namespace orvane {
 
@@ -115,11 +115,8 @@ void neutralizeOrientation(std::string& xmp)
 
 std::vector<uint8_t> exifFromTiffFile(Bytes file)
 {
-    // The XMP toolkit within Exiv2 keeps global state that its first use sets up.
-    static std::mutex mutex;
-    const std::lock_guard lock(mutex);
+    prepareMetadataLibrary();
     try {
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
         const auto image = Exiv2::ImageFactory::open(file.data(), long(file.size()));
         image->readMetadata();
         Exiv2::ExifData kept;

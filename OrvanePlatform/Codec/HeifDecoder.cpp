@@ -113,7 +113,19 @@ TransferFunction transferOf(heif_transfer_characteristics code)
     }
 }
 
-void readColors(const heif_image_handle* handle, DecoderOutput& output)
+/// The profile in codes, from the container or else from the coded picture itself.
+Nclx codedColors(const heif_image_handle* handle, const heif_image* image)
+{
+    heif_color_profile_nclx* found = nullptr;
+    if (heif_image_handle_get_nclx_color_profile(handle, &found).code == heif_error_Ok && found)
+        return Nclx(found);
+    found = nullptr;
+    if (heif_image_get_nclx_color_profile(image, &found).code == heif_error_Ok && found)
+        return Nclx(found);
+    return nullptr;
+}
+
+void readColors(const heif_image_handle* handle, const heif_image* image, DecoderOutput& output)
 {
     const heif_color_profile_type type = heif_image_handle_get_color_profile_type(handle);
     if (type == heif_color_profile_type_rICC || type == heif_color_profile_type_prof) {
@@ -126,10 +138,9 @@ void readColors(const heif_image_handle* handle, DecoderOutput& output)
             output.icc.clear();
         return;
     }
-    heif_color_profile_nclx* found = nullptr;
-    if (heif_image_handle_get_nclx_color_profile(handle, &found).code != heif_error_Ok || !found)
+    const Nclx nclx = codedColors(handle, image);
+    if (!nclx)
         return;
-    const Nclx nclx(found);
     const int transfer = int(nclx->transfer_characteristics);
     output.described = conversionFrom(transferOf(nclx->transfer_characteristics),
                                       primariesOf(nclx->color_primaries).value_or(srgbPrimaries),
@@ -208,9 +219,24 @@ heif_chroma chromaFor(bool deep, bool hasAlpha)
     return hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB;
 }
 
-} // namespace
+/// Whether a box at the top level goes on behind the end of the file: libheif tells only of some.
+bool endsWithinBox(Bytes bytes)
+{
+    const ByteReader reader(bytes, true);
+    uint64_t at = 0;
+    while (at < bytes.size()) {
+        const uint64_t shortSize = reader.u32(at);
+        const uint64_t size = shortSize == 1 ? reader.number(at + 8, 8) : shortSize;
+        if (size == 0)
+            return false; // the last box goes to the end
+        if (size < 8 || size > bytes.size() - at)
+            return size >= 8;
+        at += size;
+    }
+    return false;
+}
 
-Result<DecoderOutput> decodeHeif(Bytes bytes)
+Result<DecoderOutput> decodeComplete(Bytes bytes)
 {
     const Context context(heif_context_alloc());
     if (!context)
@@ -252,8 +278,18 @@ Result<DecoderOutput> decodeHeif(Bytes bytes)
     if (hasAlpha && heif_image_is_premultiplied_alpha(image.get()))
         unpremultiply(*output.bitmap);
     output.orientation = 1; // turned by libheif, whatever the Exif block still says
-    readColors(handle.get(), output);
+    readColors(handle.get(), image.get(), output);
     readMetadata(handle.get(), output.properties);
+    return output;
+}
+
+} // namespace
+
+Result<DecoderOutput> decodeHeif(Bytes bytes)
+{
+    auto output = decodeComplete(bytes);
+    if (!output && endsWithinBox(bytes))
+        return Error{sentence::endsEarly};
     return output;
 }
 

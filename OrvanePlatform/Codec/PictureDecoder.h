@@ -22,8 +22,8 @@ struct DecodedPicture {
     ImageProperties properties; ///< its orientation already says 1
     int orientation = 1; ///< 1..8; still to be applied to the pixels
     PictureFormat format = PictureFormat::Unknown;
-    std::string
-        note; ///< what the user should know ("shown from its embedded preview"); often empty
+    /// What the user should know ("shown from its embedded preview"); often empty.
+    std::string note;
 };
 
 /// Decodes a whole picture at its own depth. Errors are one sentence that says what is wrong with

@@ -1,7 +1,7 @@
 #include "TiffSamples.h"
 
-#include <bit>
-#include <cmath>
+#include "HalfFloat.h"
+
 #include <cstring>
 
 namespace orvane {
@@ -41,24 +41,11 @@ uint32_t integerSample(const TiffLayout& layout, const uint8_t* source, size_t i
     }
 }
 
-/// IEEE 754 binary16.
-float halfToFloat(uint16_t half)
-{
-    const int exponent = half >> 10 & 31;
-    const float fraction = float(half & 1023) / 1024;
-    const float sign = half & 0x8000 ? -1.0f : 1.0f;
-    if (exponent == 0)
-        return sign * std::ldexp(fraction, -14);
-    if (exponent == 31)
-        return 0; // infinities and NaN do not get in
-    return sign * std::ldexp(1 + fraction, exponent - 15);
-}
-
 float floatSample(const TiffLayout& layout, const uint8_t* source, size_t index)
 {
     switch (layout.bits) {
     case 16:
-        return halfToFloat(load<uint16_t>(source + index * 2));
+        return floatFromHalf(load<uint16_t>(source + index * 2));
     case 32:
         return load<float>(source + index * 4);
     default:

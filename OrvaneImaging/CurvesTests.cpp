@@ -55,21 +55,24 @@ TEST(CurvesLut, FollowsTheCubicBetweenPoints)
     EXPECT_EQ(eased[160], 136);
 }
 
-TEST(CurvesLut, NeverLeavesTheRangeOfTwoNeighbours)
+TEST(CurvesLut, RisesOrFallsStraightFromPointToPoint)
 {
     const Points steps[] = {
         {{0, 0}, {120, 10}, {125, 240}, {255, 255}},
         {{0, 255}, {10, 250}, {12, 3}, {255, 0}},
         {{0, 40}, {100, 40}, {180, 40}, {181, 220}, {255, 220}},
+        {{0, 0}, {50, 90}, {150, 110}, {200, 200}}, // tangents of five times the slope between them
+        {{0, 0}, {100, 200}, {250, 150}}, // a peak
     };
     for (const Points& points : steps) {
         const auto table = Curves::lut(points);
         for (size_t i = 0; i + 1 < points.size(); ++i) {
-            const auto [low, high] = std::minmax(points[i].y, points[i + 1].y);
-            for (int v = int(points[i].x); v <= int(points[i + 1].x); ++v) {
-                EXPECT_GE(table[size_t(v)], low) << v;
-                EXPECT_LE(table[size_t(v)], high) << v;
+            const double direction = points[i + 1].y - points[i].y;
+            for (int v = int(points[i].x); v < int(points[i + 1].x); ++v) {
+                const int step = table[size_t(v) + 1] - table[size_t(v)];
+                EXPECT_GE(direction == 0 ? -std::abs(step) : step * direction, 0) << v;
             }
+            EXPECT_EQ(table[size_t(points[i].x)], points[i].y);
         }
     }
 }

@@ -64,9 +64,9 @@ public:
         const CGRect box = round.integral().intersection(m_extent);
         if (box.isEmpty())
             return;
-        // A pixel more on each side, for the interpolation of a fractional move.
+        // Grown to whole pixels, which is what the interpolation of a fractional move reads.
         const CGRect source(box.minX() - dx, box.minY() - dy, box.width(), box.height());
-        const CIImage patch = pictureWithin(source.inset(-1, -1).integral())
+        const CIImage patch = pictureWithin(source.integral())
                                   .transformed(CGAffineTransform::translation(dx, dy))
                                   .cropped(box);
         const CIImage mask = CIFilter::radialGradient(center, radius * solidPart, {1, 1, 1, 1},

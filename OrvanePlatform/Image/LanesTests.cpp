@@ -72,7 +72,7 @@ protected:
     void TearDown() override { hwy::SetSupportedTargetsForTest(0); }
 };
 
-TEST_P(Lanes, PowersStayWithinFourMillionths)
+TEST_P(Lanes, PowersStayWithinFiveMillionths)
 {
     const std::vector<float> in = samples();
     for (const float exponent : {1 / 2.4f, 2.4f, 0.4545f, 2.2f, 3.2f, 10.0f, 0.1f}) {
@@ -83,9 +83,9 @@ TEST_P(Lanes, PowersStayWithinFourMillionths)
                 continue;
             ASSERT_TRUE(std::isfinite(out[i])) << in[i] << " ^ " << exponent;
             if (exact >= 1e-20 && in[i] >= 1e-36f)
-                ASSERT_NEAR(out[i] / exact, 1, 4e-6) << in[i] << " ^ " << exponent;
+                ASSERT_NEAR(out[i] / exact, 1, 5e-6) << in[i] << " ^ " << exponent;
             else
-                ASSERT_NEAR(out[i], exact, 1e-4) << in[i] << " ^ " << exponent;
+                ASSERT_NEAR(out[i], exact, 2.5e-4) << in[i] << " ^ " << exponent;
         }
     }
 }

@@ -102,6 +102,18 @@ PixelRect clampedInto(const PixelRect& rect, const PixelRect& extent)
     return held;
 }
 
+/// The part of `rect` in which input `index` has a say.
+PixelRect deciding(const Node& node, Cover cover, size_t index, const PixelRect& rect)
+{
+    if (cover == Cover::FirstOverSecond && index == 1) {
+        const Node& first = *node.inputs[0];
+        return first.opaque && first.extent.contains(rect) ? PixelRect{} : rect;
+    }
+    if (cover == Cover::FirstWithinMask && index == 0)
+        return node.inputs[2]->extent.clipped(rect);
+    return rect;
+}
+
 PixelRect halvedSource(const HalveNode& n, const PixelRect& r)
 {
     return {n.originX + 2 * r.x0, n.originY + 2 * r.y0, n.originX + 2 * r.x1, n.originY + 2 * r.y1};
@@ -138,7 +150,7 @@ PixelRect neededInput(const Node& node, size_t index, const PixelRect& rect)
     };
     const PixelRect needed = std::visit(
         Overload{[](const SourceNode&) { return PixelRect{}; },
-                 [&](const PointwiseNode&) { return rect; }, [&](const CropNode&) { return rect; },
+                 [&](const PointwiseNode& n) { return deciding(node, n.kernel->cover, index, rect); }, [&](const CropNode&) { return rect; },
                  [&](const ClampNode&) { return clampedRead(rect); },
                  [&](const OrthogonalNode& n) { return n.forward.inverted().apply(rect); },
                  [&](const WarpNode& n) {

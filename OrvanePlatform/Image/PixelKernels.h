@@ -29,12 +29,22 @@ enum class OpaqueRule {
     ChangesAlpha, ///< nothing is known of the result
 };
 
+/// Which inputs decide a pixel alone, so that the others need not be drawn there.
+enum class Cover {
+    None,
+    /// Input 0 where it is opaque; input 1 where input 0 has no pixels.
+    FirstOverSecond,
+    /// Input 1 where input 2, the mask, has no pixels.
+    FirstWithinMask,
+};
+
 /// A pixel program: the same template, compiled for every instruction set and, as the reference,
 /// for single floats. See PointwiseKernel-inl.h for how one is written.
 struct PointwiseKernel {
     std::string_view name;
     int inputCount;
     OpaqueRule rule;
+    Cover cover;
     PointwiseRun opaque; ///< every input opaque: alpha planes are neither read nor written
     PointwiseRun general;
     PointwiseRun reference;

@@ -132,43 +132,22 @@ void convolveRun(const float* in, std::ptrdiff_t step, float* out, int count, co
     }
 }
 
-using DoubleTag = hn::CappedTag<double, 8>;
-
-void bilinearRun(const float* plane, std::ptrdiff_t stride, int width, int height, const double* xs,
-                 const double* ys, int count, float* out)
+void bilinearRun(const float* plane, const int32_t* offsets, std::ptrdiff_t stride, const float* u,
+                 const float* v, int count, float* out)
 {
-    for (int i = 0; i < count; ++i) {
-        const double x = xs[i] - 0.5;
-        const double y = ys[i] - 0.5;
-        // Written so that NaN fails the test.
-        if (!(x > -1 && y > -1 && x < width && y < height)) {
-            out[i] = 0;
-            continue;
-        }
-        const int x0 = int(x + 1) - 1;
-        const int y0 = int(y + 1) - 1;
-        const auto u = float(x - x0);
-        const auto v = float(y - y0);
-        float taps[4];
-        const float* p = plane + y0 * stride + x0;
-        if (x0 >= 0 && y0 >= 0 && x0 + 1 < width && y0 + 1 < height) {
-            taps[0] = p[0];
-            taps[1] = p[1];
-            taps[2] = p[stride];
-            taps[3] = p[stride + 1];
-        } else {
-            const bool left = x0 >= 0;
-            const bool right = x0 + 1 < width;
-            const bool low = y0 >= 0;
-            const bool high = y0 + 1 < height;
-            taps[0] = left && low ? p[0] : 0;
-            taps[1] = right && low ? p[1] : 0;
-            taps[2] = left && high ? p[stride] : 0;
-            taps[3] = right && high ? p[stride + 1] : 0;
-        }
-        const float bottom = taps[0] + (taps[1] - taps[0]) * u;
-        const float top = taps[2] + (taps[3] - taps[2]) * u;
-        out[i] = bottom + (top - bottom) * v;
+    const FloatTag f;
+    const IntTag i32;
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const auto at = hn::LoadU(i32, offsets + i);
+        const Lanes lowLeft = hn::GatherIndex(f, plane, at);
+        const Lanes lowRight = hn::GatherIndex(f, plane + 1, at);
+        const Lanes highLeft = hn::GatherIndex(f, plane + stride, at);
+        const Lanes highRight = hn::GatherIndex(f, plane + stride + 1, at);
+        // No fused multiply-add: at a picture's edge the plain loop below must give the same bits.
+        const Lanes across = Lanes::load(u + i);
+        const Lanes bottom = lowLeft + (lowRight - lowLeft) * across;
+        const Lanes top = highLeft + (highRight - highLeft) * across;
+        (bottom + (top - bottom) * Lanes::load(v + i)).store(out + i);
     }
 }
 
@@ -223,10 +202,50 @@ void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
     HWY_DYNAMIC_DISPATCH(convolveRun)(in, stride, out, count, weights, reach);
 }
 
-void sampleBilinear(const float* plane, std::ptrdiff_t stride, int width, int height,
-                    const double* xs, const double* ys, int count, float* out)
+void BilinearTaps::set(const double* xs, const double* ys, int length, int width, int height,
+                       std::ptrdiff_t planeStride)
 {
-    HWY_DYNAMIC_DISPATCH(bilinearRun)(plane, stride, width, height, xs, ys, count, out);
+    count = length;
+    stride = planeStride;
+    inside = true;
+    for (int i = 0; i < length; ++i) {
+        const double x = xs[i] - 0.5;
+        const double y = ys[i] - 0.5;
+        // Written so that what is not a number fails the test.
+        const bool reaches = x > -1 && y > -1 && x < width && y < height;
+        const int x0 = reaches ? int(x + 1) - 1 : 0;
+        const int y0 = reaches ? int(y + 1) - 1 : 0;
+        offset[i] = int32_t(y0 * planeStride + x0);
+        u[i] = reaches ? float(x - x0) : 0;
+        v[i] = reaches ? float(y - y0) : 0;
+        const bool left = reaches && x0 >= 0;
+        const bool right = reaches && x0 + 1 < width;
+        const bool low = y0 >= 0;
+        const bool high = y0 + 1 < height;
+        present[i] = uint8_t((left && low) | (right && low) << 1 | (left && high) << 2 | (right && high) << 3);
+        inside = inside && present[i] == 15;
+    }
+    std::fill_n(offset + length, rowPadding, 0);
+}
+
+void sampleBilinear(const float* plane, const BilinearTaps& taps, float* out)
+{
+    if (taps.inside) {
+        HWY_DYNAMIC_DISPATCH(bilinearRun)
+        (plane, taps.offset, taps.stride, taps.u, taps.v, taps.count, out);
+        return;
+    }
+    for (int i = 0; i < taps.count; ++i) {
+        const float* p = plane + taps.offset[i];
+        const uint8_t present = taps.present[i];
+        const float lowLeft = present & 1 ? p[0] : 0;
+        const float lowRight = present & 2 ? p[1] : 0;
+        const float highLeft = present & 4 ? p[taps.stride] : 0;
+        const float highRight = present & 8 ? p[taps.stride + 1] : 0;
+        const float bottom = lowLeft + (lowRight - lowLeft) * taps.u[i];
+        const float top = highLeft + (highRight - highLeft) * taps.u[i];
+        out[i] = bottom + (top - bottom) * taps.v[i];
+    }
 }
 
 int bytesPerPixel(PixelFormat format)

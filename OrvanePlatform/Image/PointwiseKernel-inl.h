@@ -62,6 +62,7 @@ template <int Inputs> struct PremultipliedKernel {
     static constexpr int inputs = Inputs;
     static constexpr bool straight = false;
     static constexpr OpaqueRule rule = OpaqueRule::KeepsAlpha;
+    static constexpr Cover cover = Cover::None;
 };
 
 /// A program over straight colour: its first input is divided by alpha before and multiplied by the
@@ -70,6 +71,7 @@ template <int Inputs> struct StraightKernel {
     static constexpr int inputs = Inputs;
     static constexpr bool straight = true;
     static constexpr OpaqueRule rule = OpaqueRule::KeepsAlpha;
+    static constexpr Cover cover = Cover::None;
 };
 
 /// Rec. 709-like luma of the built-in operations.
@@ -155,6 +157,7 @@ HWY_AFTER_NAMESPACE();
     static const PointwiseKernel variable                                                          \
     {                                                                                              \
         name, HWY_NAMESPACE::Kernel::inputs, HWY_NAMESPACE::Kernel::rule,                          \
+        HWY_NAMESPACE::Kernel::cover,                         \
             [](const void* record, const float* table, const PointwiseRow& row) {                  \
                 HWY_DYNAMIC_DISPATCH(run##Kernel##Opaque)(record, table, row);                     \
             },                                                                                     \

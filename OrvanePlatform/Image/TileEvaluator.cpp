@@ -38,6 +38,31 @@ bool isWholePixelMove(const OrthogonalTransform& t)
     return t.a == 1 && t.d == 1;
 }
 
+/// Part of a row of a resampling, at most BilinearTaps::capacity pixels of it.
+void sampleRow(const WarpNode& node, const TilePlanes& from, int x, int y, int count, TilePlanes& out)
+{
+    double positions[6][BilinearTaps::capacity];
+    BilinearTaps taps[3];
+    const int maps = node.kernel->maps;
+    WarpPositions at;
+    for (int m = 0; m < maps; ++m) {
+        at.x[m] = positions[2 * m];
+        at.y[m] = positions[2 * m + 1];
+    }
+    node.kernel->map(node.parameters.record.data(), x, y, count, at);
+    for (int m = 0; m < maps; ++m) {
+        for (int i = 0; i < count; ++i) {
+            at.x[m][i] -= from.rect.x0;
+            at.y[m][i] -= from.rect.y0;
+        }
+        taps[m].set(at.x[m], at.y[m], count, from.rect.width(), from.rect.height(), from.stride);
+    }
+    for (int c = 0; c < out.channels(); ++c) {
+        const int m = maps == 1 ? 0 : (c == 3 ? 1 : c);
+        sampleBilinear(from.plane[c], taps[m], out.at(c, x, y));
+    }
+}
+
 } // namespace
 
 PassTables makePassTables(const PlanPass& pass)
@@ -122,9 +147,32 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep&, const SourceNode& no
     return readSource(*node.bitmap, rect, m_arena);
 }
 
-TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const PointwiseNode& node,
+/// The one input whose pixels are the result over the whole tile, or -1.
+int TileEvaluator::decidingInput(const PlanStep& step, Cover cover) const
+{
+    const auto empty = [&](size_t n) { return m_drawn[size_t(step.inputs[n])].empty; };
+    if (cover == Cover::FirstOverSecond)
+        return empty(1) ? 0 : (empty(0) ? 1 : -1);
+    if (cover == Cover::FirstWithinMask)
+        return empty(2) || empty(0) ? 1 : -1;
+    return -1;
+}
+
+/// The pixels of another step as this one's own; transparent where it has none.
+TilePlanes TileEvaluator::passedOn(size_t index, size_t from, const PixelRect& rect)
+{
+    const Drawn& drawn = m_drawn[from];
+    TilePlanes planes = coveringPlanes(drawn.empty ? TilePlanes{} : drawn.planes, rect, m_arena);
+    m_drawn[index].reusable = planes.plane[0] != drawn.planes.plane[0]
+        || (drawn.reusable && m_pass.steps[from].readers == 1);
+    return planes;
+}
+
+TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const PointwiseNode& node,
                                    const PixelRect& rect)
 {
+    if (const int only = decidingInput(step, node.kernel->cover); only >= 0)
+        return passedOn(index, size_t(step.inputs[size_t(only)]), rect);
     TilePlanes inputs[maxKernelInputs];
     bool opaque = !step.inputs.empty() || step.node->opaque;
     for (size_t n = 0; n < step.inputs.size(); ++n) {
@@ -231,26 +279,9 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WarpNode&
     TilePlanes out = m_arena.planes(rect, from.opaque() && inside);
     if (!out.opaque())
         addOpaqueAlpha(from, m_arena);
-    const int maps = node.kernel->maps;
-    double* positions = m_arena.doubles(size_t(rect.width()) * 6);
-    WarpPositions at;
-    for (int m = 0; m < 3; ++m) {
-        at.x[m] = positions + (m < maps ? m : 0) * 2 * rect.width();
-        at.y[m] = at.x[m] + rect.width();
-    }
     for (int y = rect.y0; y < rect.y1; ++y) {
-        node.kernel->map(record, rect.x0, y, rect.width(), at);
-        for (int m = 0; m < maps; ++m) {
-            for (int i = 0; i < rect.width(); ++i) {
-                at.x[m][i] -= from.rect.x0;
-                at.y[m][i] -= from.rect.y0;
-            }
-        }
-        for (int c = 0; c < out.channels(); ++c) {
-            const int m = maps == 1 ? 0 : (c == 3 ? 1 : c);
-            sampleBilinear(from.plane[c], from.stride, from.rect.width(), from.rect.height(),
-                           at.x[m], at.y[m], rect.width(), out.row(c, y));
-        }
+        for (int x = rect.x0; x < rect.x1; x += BilinearTaps::capacity)
+            sampleRow(node, from, x, y, std::min(BilinearTaps::capacity, rect.x1 - x), out);
     }
     return out;
 }

@@ -49,6 +49,8 @@ private:
 
     void drawStep(size_t index);
     TilePlanes input(const PlanStep& step, size_t n, const PixelRect& rect);
+    int decidingInput(const PlanStep& step, Cover cover) const;
+    TilePlanes passedOn(size_t index, size_t from, const PixelRect& rect);
 
     TilePlanes drawStored(const PlanStep& step, const PixelRect& rect);
     TilePlanes drawNode(size_t index, const PlanStep& step, const SourceNode& node,

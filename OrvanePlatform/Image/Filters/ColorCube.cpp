@@ -3,8 +3,9 @@
 //   x = clamp(enc(v), 0, 1) (N - 1) of each channel;  v' = dec(trilinear over the 8 nodes around)
 //   node r + g N + b N^2 (red fastest), four floats each; the fourth is not used
 //
-// Input outside 0..1 is clamped, entries of the table are not. The entries stay interleaved: the
-// three channels of a node then come from one line of the cache.
+// Input outside 0..1 is clamped, entries of the table are not. The entries stay interleaved, so
+// that a node is one load of four floats: 8 loads and 7 mixes a pixel, where gathers of single
+// floats would be 24 and take two thirds longer in all (20 megapixels, AVX-512).
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Filters/ColorCube.cpp"
@@ -16,46 +17,109 @@ HWY_BEFORE_NAMESPACE();
 namespace orvane::HWY_NAMESPACE {
 namespace {
 
+/// The lowest node around a pixel's place in the cube, and how far beyond it the pixel lies.
+template <class L> struct CubePlace {
+    L node; ///< index of its first float
+    L r;
+    L g;
+    L b;
+};
+/// Floats from a node to its neighbours in green and in blue; in red it is 4.
+struct CubeStrides {
+    size_t up;
+    size_t back;
+};
+
+template <class L> struct Colour {
+    L r;
+    L g;
+    L b;
+};
+
+/// Trilinear, one float at a time.
+template <class L>
+HWY_INLINE Colour<L> interpolated(const float* table, const CubeStrides& s,
+                                  const CubePlace<L>& place)
+{
+    L channels[3];
+    for (size_t c = 0; c < 3; ++c) {
+        const auto alongRed = [&](const float* from) {
+            return mix(lookup(from, place.node), lookup(from + 4, place.node), place.r);
+        };
+        const float* from = table + c;
+        const L front = mix(alongRed(from), alongRed(from + s.up), place.g);
+        const L rear = mix(alongRed(from + s.back), alongRed(from + s.back + s.up), place.g);
+        channels[c] = mix(front, rear, place.b);
+    }
+    return {channels[0], channels[1], channels[2]};
+}
+
+#if HWY_TARGET != HWY_SCALAR
+/// Trilinear, one pixel at a time with a node in a vector.
+HWY_INLINE Colour<Lanes> interpolated(const float* table, const CubeStrides& s,
+                                      const CubePlace<Lanes>& place)
+{
+    const FloatTag all;
+    const IntTag integers;
+    const hn::FixedTag<float, 4> four;
+    using Four = hn::Vec<decltype(four)>;
+    constexpr size_t most = hn::MaxLanes(all);
+    HWY_ALIGN int32_t nodes[most];
+    HWY_ALIGN float fractions[3][most];
+    HWY_ALIGN float pixels[most * 4];
+    hn::Store(hn::ConvertTo(integers, place.node.v), integers, nodes);
+    hn::Store(place.r.v, all, fractions[0]);
+    hn::Store(place.g.v, all, fractions[1]);
+    hn::Store(place.b.v, all, fractions[2]);
+    const auto between = [](Four a, Four b, Four t) { return hn::MulAdd(hn::Sub(b, a), t, a); };
+    for (size_t i = 0; i < hn::Lanes(all); ++i) {
+        const float* node = table + nodes[i];
+        const Four r = hn::Set(four, fractions[0][i]);
+        const Four g = hn::Set(four, fractions[1][i]);
+        const auto alongRed = [&](const float* from) {
+            return between(hn::LoadU(four, from), hn::LoadU(four, from + 4), r);
+        };
+        const Four front = between(alongRed(node), alongRed(node + s.up), g);
+        const Four rear = between(alongRed(node + s.back), alongRed(node + s.back + s.up), g);
+        hn::Store(between(front, rear, hn::Set(four, fractions[2][i])), four, pixels + i * 4);
+    }
+    Colour<Lanes> colour;
+    FloatVector unused;
+    hn::LoadInterleaved4(all, pixels, colour.r.v, colour.g.v, colour.b.v, unused);
+    return colour;
+}
+
+#endif
+
 struct Cube : StraightKernel<1> {
     struct Record {
         float last; ///< N - 1
     };
-    template <class L> struct Axis {
-        L cell;
-        L fraction;
-    };
-    template <class L> static HWY_INLINE Axis<L> axis(const Record& p, L v)
+    template <class L> static HWY_INLINE L position(const Record& p, L v)
     {
         // A comparison, not max: it gives 0 for what is not a number, so no index leaves the table.
         const L held = select(v > L(0.0f), min(v, L(1.0f)), L(0.0f));
-        const L position = encodeSrgb(held) * L(p.last);
-        const L cell = min(floor(position), L(p.last - 1));
-        return {cell, position - cell};
+        return encodeSrgb(held) * L(p.last);
     }
     template <class L>
     static HWY_INLINE Pixel<L> pixel(const Record& p, const float* table, const Pixel<L>* in,
                                      Place<L>)
     {
-        const Axis<L> r = axis(p, in[0].r);
-        const Axis<L> g = axis(p, in[0].g);
-        const Axis<L> b = axis(p, in[0].b);
-        const float side = p.last + 1;
-        const size_t up = size_t(side) * 4;
-        const size_t back = size_t(side) * up;
+        const L r = position(p, in[0].r);
+        const L g = position(p, in[0].g);
+        const L b = position(p, in[0].b);
+        const L highest(p.last - 1);
+        const L cellR = min(floor(r), highest);
+        const L cellG = min(floor(g), highest);
+        const L cellB = min(floor(b), highest);
+        const size_t side = size_t(p.last) + 1;
+        const CubeStrides strides{side * 4, side * side * 4};
         // At most 4 * 64^3: exact in a float.
-        const L node =
-            mulAdd(b.cell, L(float(back)), mulAdd(g.cell, L(float(up)), r.cell * L(4.0f)));
-        L channels[3];
-        for (size_t c = 0; c < 3; ++c) {
-            const auto alongRed = [&](const float* from) {
-                return mix(lookup(from, node), lookup(from + 4, node), r.fraction);
-            };
-            const float* from = table + c;
-            const L front = mix(alongRed(from), alongRed(from + up), g.fraction);
-            const L rear = mix(alongRed(from + back), alongRed(from + back + up), g.fraction);
-            channels[c] = decodeSrgb(mix(front, rear, b.fraction));
-        }
-        return {channels[0], channels[1], channels[2], in[0].a};
+        const L node = mulAdd(cellB, L(float(strides.back)),
+                              mulAdd(cellG, L(float(strides.up)), cellR * L(4.0f)));
+        const CubePlace<L> place{node, r - cellR, g - cellG, b - cellB};
+        const Colour<L> found = interpolated(table, strides, place);
+        return {decodeSrgb(found.r), decodeSrgb(found.g), decodeSrgb(found.b), in[0].a};
     }
 };
 ORVANE_KERNEL_RUNS(Cube)

@@ -44,8 +44,11 @@ void colorFromLab(float* pixel)
         pixel[c] = float(m[c * 3] * xyz[0] + m[c * 3 + 1] * xyz[1] + m[c * 3 + 2] * xyz[2]);
 }
 
-/// Float samples as they lie in an untagged file: encoded, possibly beyond 0..1.
-void decodeFloats(Bitmap& bitmap, bool isLinear, bool adobeRgb)
+enum class FloatCoding { Encoded, Linear };
+
+/// Float samples to linear sRGB in place; encoded ones may lie beyond 0..1, as in an untagged file.
+/// What is not finite becomes 0.
+void decodeFloats(Bitmap& bitmap, FloatCoding coding, bool adobeRgb)
 {
     const std::optional<std::array<float, 9>> matrix = adobeRgb && bitmap.channels() >= 3
         ? adobeRgbConversion(SampleType::U8).matrix
@@ -53,7 +56,7 @@ void decodeFloats(Bitmap& bitmap, bool isLinear, bool adobeRgb)
     const auto decoded = [&](float v) {
         if (!std::isfinite(v))
             return 0.0f;
-        if (isLinear)
+        if (coding == FloatCoding::Linear)
             return v;
         const double linear = adobeRgb ? std::copysign(std::pow(std::abs(double(v)), 2.19921875), v)
                                        : srgbToLinear(double(v));
@@ -98,7 +101,7 @@ std::shared_ptr<const Bitmap> applyColor(DecoderOutput& output, bool exifSaysAdo
     std::shared_ptr<Bitmap> bitmap = std::move(output.bitmap);
     if (output.model == SampleModel::Lab) {
         labToColor(*bitmap);
-        decodeFloats(*bitmap, true, false);
+        decodeFloats(*bitmap, FloatCoding::Linear, false);
         return bitmap;
     }
     const bool inks = output.model == SampleModel::Cmyk;
@@ -110,10 +113,10 @@ std::shared_ptr<const Bitmap> applyColor(DecoderOutput& output, bool exifSaysAdo
         return converted ? converted : colorFromInks(*bitmap);
     }
     if (bitmap->type() == SampleType::F32) {
-        auto converted = matches && !output.isLinear ? profile->converted(*bitmap) : nullptr;
+        auto converted = matches ? profile->converted(*bitmap) : nullptr;
         if (converted)
             return converted;
-        decodeFloats(*bitmap, output.isLinear, exifSaysAdobeRgb);
+        decodeFloats(*bitmap, FloatCoding::Encoded, exifSaysAdobeRgb);
         return bitmap;
     }
     // Grey samples with an RGB profile, and the reverse, take its curves.

@@ -32,7 +32,6 @@ struct DecoderOutput {
     std::vector<uint8_t> icc; ///< the embedded profile, unchecked; empty when there is none
     /// What the file itself says of its colours in place of a profile; absent when it says nothing.
     std::optional<SampleConversion> described;
-    bool isLinear = false; ///< float samples that are linear sRGB already
     ImageProperties properties; ///< as found: orientation not yet neutral
     int orientation = 0; ///< 0: as the Exif block says
     std::string note;

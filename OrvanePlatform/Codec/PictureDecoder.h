@@ -18,6 +18,7 @@ PictureFormat detectPictureFormat(std::span<const uint8_t> bytes);
 
 /// A decoded picture, as it lies in the file: not yet turned by its orientation.
 struct DecodedPicture {
+    /// Alpha, where there is one, is straight. Half and float samples are finite.
     std::shared_ptr<const Bitmap> bitmap;
     ImageProperties properties; ///< its orientation already says 1
     int orientation = 1; ///< 1..8; still to be applied to the pixels

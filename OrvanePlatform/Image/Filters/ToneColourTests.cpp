@@ -227,6 +227,9 @@ const Vector vectors[] = {
      {0.745f, 0.413f, 0.279f},
      {0.79017f, 0.40286f, 0.24653f},
      5},
+    // k = 1 + 8 * 0.607 would drive red below 0: it is held at Y / (Y - m) = 2.99243.
+    {"vibrance at its bound", vibrance(8), {0.2f, 0.3f, 0.6f}, {0, 0.29924f, 1.19697f}, 5},
+    {"vibrance never inverts", vibrance(-2), {0.5f, 0.4f, 0.45f}, {0.424855f}},
     {"vibrance of red", vibrance(1), {1, 0, 0}, {1, 0, 0}},
     {"vibrance of grey", vibrance(1), {0.37f}, {0.37f}},
     {"vibrance below black", vibrance(1), {0.5f, -0.1f, 0.2f}, {0.5f, -0.1f, 0.2f}},

@@ -45,7 +45,8 @@ struct Vibrance : StraightKernel<1> {
         const L pale = power(ratio, L(1.0f / 2.2f));
         const L spared = mulAdd(skin(c), L(-p.skinShare), one);
         L k = max(mulAdd(L(p.amount) * pale, spared, one), zero);
-        const auto bounded = (k > one) & (least >= zero) & (y > least);
+        // The bound is at least 1, so it holds boosts alone.
+        const auto bounded = (least >= zero) & (y > least);
         k = select(bounded, min(k, y / select(bounded, y - least, one)), k);
         return {mulAdd(c.r - y, k, y), mulAdd(c.g - y, k, y), mulAdd(c.b - y, k, y), c.a};
     }

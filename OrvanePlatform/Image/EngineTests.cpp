@@ -28,10 +28,11 @@ CIImage photograph(int width, int height, int channels = 3)
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             for (int c = 0; c < channels; ++c) {
-                const double wave = 128 + 60 * std::sin(x * 0.05 * (c + 1)) + 40 * std::cos(y * 0.09);
+                const double wave =
+                    128 + 60 * std::sin(x * 0.05 * (c + 1)) + 40 * std::cos(y * 0.09);
                 const int edge = (x / 37 + y / 29) % 2 * 25;
-                bitmap->row(y)[x * channels + c]
-                    = uint8_t(std::clamp(wave + edge + double(random() % 9), 0.0, 255.0));
+                bitmap->row(y)[x * channels + c] =
+                    uint8_t(std::clamp(wave + edge + double(random() % 9), 0.0, 255.0));
             }
         }
     }
@@ -84,17 +85,18 @@ TEST(Plan, PassesEndOnlyWhereTheyMust)
         {"a source", source, 1, 0},
         {"a run of pointwise operations", graded, 1, 0},
         {"moves, flips, crops and clamps between them",
-         CIFilter::exposureAdjust(graded.transformed(flip).cropped({10, 10, 900, 700}).clampedToExtent(),
-                                  0.1)
+         CIFilter::exposureAdjust(
+             graded.transformed(flip).cropped({10, 10, 900, 700}).clampedToExtent(), 0.1)
              .cropped({0, 0, 1000, 800}),
          1, 0},
-        {"a mix of a picture with its own grade", CIFilter::dissolveTransition(bright, graded, 0.5), 1, 0},
+        {"a mix of a picture with its own grade", CIFilter::dissolveTransition(bright, graded, 0.5),
+         1, 0},
         {"a narrow blur is drawn with a rim", CIFilter::unsharpMask(graded, 1, 0.5), 1, 0},
         {"a wide blur reads a stored picture", CIFilter::unsharpMask(graded, 12, 0.5), 2, 1},
         {"a large blur of a grade: the grade, its reduction, the result",
          CIFilter::unsharpMask(graded, 30, 0.5), 3, 2},
-        {"a large blur of the source itself needs no copy of it", CIFilter::unsharpMask(source, 30, 0.5),
-         2, 1},
+        {"a large blur of the source itself needs no copy of it",
+         CIFilter::unsharpMask(source, 30, 0.5), 2, 1},
         {"a slight rotation samples as it goes",
          graded.transformed(CGAffineTransform::rotation(0.03)), 1, 0},
         {"a steep one stores first", graded.transformed(CGAffineTransform::rotation(0.7)), 2, 1},
@@ -142,11 +144,11 @@ TEST(Tiles, AnySizeOrderAndNumberOfThreadsGiveTheSameBits)
         for (const PixelFormat format :
              {PixelFormat::RGBA8, PixelFormat::RGBA16, PixelFormat::RGBAFloat}) {
             const auto expected = drawn(image, CIContext({.threads = 1}), format);
-            const CIContext::Options settings[]
-                = {{.threads = 1, .tileWidth = 64, .tileHeight = 64, .shuffleSeed = 3},
-                   {.threads = 3, .tileWidth = 33, .tileHeight = 17, .shuffleSeed = 11},
-                   {.threads = 8, .tileWidth = 7, .tileHeight = 50, .shuffleSeed = 5},
-                   {.threads = 2, .tileWidth = 500, .tileHeight = 1}};
+            const CIContext::Options settings[] = {
+                {.threads = 1, .tileWidth = 64, .tileHeight = 64, .shuffleSeed = 3},
+                {.threads = 3, .tileWidth = 33, .tileHeight = 17, .shuffleSeed = 11},
+                {.threads = 8, .tileWidth = 7, .tileHeight = 50, .shuffleSeed = 5},
+                {.threads = 2, .tileWidth = 500, .tileHeight = 1}};
             for (const CIContext::Options& options : settings)
                 EXPECT_EQ(drawn(image, CIContext(options), format), expected)
                     << options.threads << " threads, tiles of " << options.tileWidth << " x "
@@ -172,7 +174,8 @@ TEST(Tiles, AgreeWithTheReference)
 TEST(Sources, EveryDepthAndLayoutIsReadAlike)
 {
     const auto matrix = std::array<float, 9>{0.9f, 0.1f, 0, -0.1f, 1.1f, 0, 0, 0.05f, 0.95f};
-    for (const SampleType type : {SampleType::U8, SampleType::U16, SampleType::F16, SampleType::F32}) {
+    for (const SampleType type :
+         {SampleType::U8, SampleType::U16, SampleType::F16, SampleType::F32}) {
         for (int channels = 1; channels <= 4; ++channels) {
             for (const AlphaKind alpha : {AlphaKind::Straight, AlphaKind::Premultiplied}) {
                 const bool hasAlpha = channels == 2 || channels == 4;
@@ -198,7 +201,8 @@ TEST(Sources, EveryDepthAndLayoutIsReadAlike)
                 const auto fast = tiled(image, {-2, -1, 43, 6});
                 const auto exact = reference(image, {-2, -1, 43, 6});
                 // Premultiplied integers are divided in whole numbers: a tie may fall a step apart.
-                const double tolerance = alpha == AlphaKind::Premultiplied && hasAlpha ? 6e-3 : 2e-6;
+                const double tolerance =
+                    alpha == AlphaKind::Premultiplied && hasAlpha ? 6e-3 : 2e-6;
                 for (size_t i = 0; i < fast.size(); ++i)
                     ASSERT_NEAR(fast[i], exact[i], tolerance)
                         << "type " << int(type) << ", " << channels << " channels, value " << i;
@@ -225,12 +229,14 @@ TEST(Output, RoundsEncodesAndLimitsAsFilesNeed)
     EXPECT_EQ(sample, 30235);
 
     const CIImage half = pixelsImage(1, 1, {0.09f, 0.09f, 0.09f, 0.5f});
-    EXPECT_EQ(drawn(half, context, PixelFormat::RGBA8Premultiplied), (std::vector<uint8_t>{59, 59, 59, 128}));
+    EXPECT_EQ(drawn(half, context, PixelFormat::RGBA8Premultiplied),
+              (std::vector<uint8_t>{59, 59, 59, 128}));
     EXPECT_EQ(drawn(half, context, PixelFormat::RGBA8), (std::vector<uint8_t>{118, 118, 118, 128}));
     const float nan = std::nanf("");
     const float infinity = HUGE_VALF;
-    const CIImage bad = CIFilter::additionCompositing(pixelsImage(2, 1, {nan, infinity, -infinity, 1, 0, 0, 0, 1}),
-                                                      CIImage::withColor({0, 0, 0, 0}));
+    const CIImage bad =
+        CIFilter::additionCompositing(pixelsImage(2, 1, {nan, infinity, -infinity, 1, 0, 0, 0, 1}),
+                                      CIImage::withColor({0, 0, 0, 0}));
     EXPECT_EQ(drawn(bad.cropped({0, 0, 2, 1}), context, PixelFormat::RGB8).size(), 6u);
     // Outside the image: zeros.
     std::vector<float> outside(8, 9.0f);
@@ -292,7 +298,8 @@ TEST(Cancellation, StopsEveryKindOfDraw)
 
 TEST(Cache, SparesEarlierStagesAndChangesNothing)
 {
-    const CIImage graded = CIFilter::unsharpMask(CIFilter::exposureAdjust(photograph(400, 300), 0.2), 20, 0.6);
+    const CIImage graded =
+        CIFilter::unsharpMask(CIFilter::exposureAdjust(photograph(400, 300), 0.2), 20, 0.6);
     const auto late = [&](double intensity) {
         return CIFilter::vignetteEffect(graded, {200, 150}, 250, intensity, 0.5);
     };

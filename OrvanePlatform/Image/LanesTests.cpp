@@ -22,8 +22,8 @@ void evaluate(char curve, const float* in, float* out, int count, float exponent
     for (int i = 0; i < count; i += int(Lanes::count())) {
         const Lanes x = Lanes::load(in + i);
         const Lanes y = curve == 'p' ? power(x, Lanes(exponent))
-            : curve == 'e'            ? encodeSrgb(x)
-                                              : decodeSrgb(x);
+            : curve == 'e'           ? encodeSrgb(x)
+                                     : decodeSrgb(x);
         y.store(out + i);
     }
 }
@@ -92,7 +92,8 @@ TEST_P(Lanes, PowersStayWithinFiveMillionths)
 
 TEST_P(Lanes, TheSrgbCurvesStayWithinATinyPartOfALevel)
 {
-    // An eighth of an 8-bit level is 4.9e-4; 16-bit files ask for much less: half a level is 7.6e-6.
+    // An eighth of an 8-bit level is 4.9e-4; 16-bit files ask for much less: half a level
+    // is 7.6e-6.
     const std::vector<float> in = samples();
     const std::vector<float> encoded = evaluated('e', in, 0);
     const std::vector<float> decoded = evaluated('d', in, 0);
@@ -106,7 +107,9 @@ TEST_P(Lanes, TheSrgbCurvesStayWithinATinyPartOfALevel)
 }
 
 INSTANTIATE_TEST_SUITE_P(Targets, Lanes, testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
-                         [](const auto& target) { return std::string(hwy::TargetName(target.param)); });
+                         [](const auto& target) {
+                             return std::string(hwy::TargetName(target.param));
+                         });
 
 } // namespace
 } // namespace orvane

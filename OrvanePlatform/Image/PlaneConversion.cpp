@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 HWY_BEFORE_NAMESPACE();
 namespace orvane::HWY_NAMESPACE {
@@ -38,52 +39,115 @@ HWY_INLINE Lanes unit(Lanes x)
     return select(x > Lanes(0.0f), min(x, Lanes(1.0f)), Lanes(0.0f));
 }
 
-// The straight, encoded colour and alpha of `count` pixels times `steps`, as whole floats. Over
-// black (ignoreAlpha) the straight colour is multiplied by alpha again, in linear light, before
-// encoding; premultiplied output multiplies the rounded alpha in after encoding.
+// How a picture with alpha becomes bytes. Over black, the straight, clipped colour is multiplied by
+// alpha again before encoding; premultiplied bytes multiply the rounded alpha in after it.
 enum class AlphaUse { OverBlack, Straight, Premultiplied };
 
-HWY_INLINE void encodeRun(const float* const planes[4], int count, AlphaUse use, float steps,
-                          float* const out[4])
+/// Encoded samples as whole floats.
+struct Encoded {
+    Lanes r;
+    Lanes g;
+    Lanes b;
+    Lanes a;
+};
+
+template <AlphaUse Use>
+HWY_INLINE Lanes encodedChannel(Lanes v, Lanes alpha, Lanes inverseAlpha, Lanes scale)
 {
-    const Lanes top(steps);
-    const Lanes half(0.5f);
-    for (int i = 0; i < count; i += int(Lanes::count())) {
-        Lanes colour[3];
-        Lanes alpha(1.0f);
-        if (planes[3])
-            alpha = unit(Lanes::load(planes[3] + i));
-        for (int c = 0; c < 3; ++c) {
-            Lanes v = Lanes::load(planes[c] + i);
-            if (planes[3]) {
-                const auto visible = alpha > Lanes(0.0f);
-                const Lanes stored = Lanes::load(planes[3] + i);
-                v = select(visible, v / select(visible, stored, Lanes(1.0f)), Lanes(0.0f));
-                v = unit(v);
-                if (use == AlphaUse::OverBlack)
-                    v = v * alpha;
-            }
-            colour[c] = encodeSrgb(unit(v));
-        }
-        const Lanes wholeAlpha = floor(alpha * top + half);
-        const Lanes scale = use == AlphaUse::Premultiplied ? wholeAlpha : top;
-        for (int c = 0; c < 3; ++c)
-            floor(mulAdd(colour[c], scale, half)).store(out[c] + i);
-        wholeAlpha.store(out[3] + i);
-    }
+    Lanes straight = unit(v * inverseAlpha);
+    if (Use == AlphaUse::OverBlack)
+        straight = straight * alpha;
+    return floor(mulAdd(encodeSrgb(straight), scale, Lanes(0.5f)));
 }
 
-void encodeOverBlack(const float* const planes[4], int count, float steps, float* const out[4])
+template <AlphaUse Use>
+HWY_INLINE Encoded encodedPixels(const float* const planes[4], int i, float steps)
 {
-    encodeRun(planes, count, AlphaUse::OverBlack, steps, out);
+    const Lanes top(steps);
+    Lanes alpha(1.0f);
+    Lanes inverse(1.0f);
+    if (planes[3]) {
+        const Lanes stored = Lanes::load(planes[3] + i);
+        const auto visible = stored > Lanes(0.0f);
+        alpha = unit(stored);
+        inverse = select(visible, Lanes(1.0f) / select(visible, stored, Lanes(1.0f)), Lanes(0.0f));
+    }
+    const Lanes wholeAlpha = floor(mulAdd(alpha, top, Lanes(0.5f)));
+    const Lanes scale = Use == AlphaUse::Premultiplied ? wholeAlpha : top;
+    return {encodedChannel<Use>(Lanes::load(planes[0] + i), alpha, inverse, scale),
+            encodedChannel<Use>(Lanes::load(planes[1] + i), alpha, inverse, scale),
+            encodedChannel<Use>(Lanes::load(planes[2] + i), alpha, inverse, scale), wholeAlpha};
 }
-void encodeStraight(const float* const planes[4], int count, float steps, float* const out[4])
+
+using ByteTag = hn::Rebind<uint8_t, FloatTag>;
+using WordTag = hn::Rebind<uint16_t, FloatTag>;
+
+HWY_INLINE hn::Vec<ByteTag> bytes(Lanes whole)
 {
-    encodeRun(planes, count, AlphaUse::Straight, steps, out);
+    return hn::DemoteTo(ByteTag(), hn::ConvertTo(IntTag(), whole.v));
 }
-void encodePremultiplied(const float* const planes[4], int count, float steps, float* const out[4])
+HWY_INLINE hn::Vec<WordTag> words(Lanes whole)
 {
-    encodeRun(planes, count, AlphaUse::Premultiplied, steps, out);
+    return hn::DemoteTo(WordTag(), hn::ConvertTo(IntTag(), whole.v));
+}
+
+// Each writes whole vectors: `to` has room for rowPadding pixels more.
+
+void rgb8Run(const float* const planes[4], int count, uint8_t* to)
+{
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Encoded e = encodedPixels<AlphaUse::OverBlack>(planes, i, 255);
+        hn::StoreInterleaved3(bytes(e.r), bytes(e.g), bytes(e.b), ByteTag(), to + i * 3);
+    }
+}
+void rgb16Run(const float* const planes[4], int count, uint8_t* to)
+{
+    auto* samples = static_cast<uint16_t*>(static_cast<void*>(to));
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Encoded e = encodedPixels<AlphaUse::OverBlack>(planes, i, 65535);
+        hn::StoreInterleaved3(words(e.r), words(e.g), words(e.b), WordTag(), samples + i * 3);
+    }
+}
+void rgba8Run(const float* const planes[4], int count, uint8_t* to)
+{
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Encoded e = encodedPixels<AlphaUse::Straight>(planes, i, 255);
+        hn::StoreInterleaved4(bytes(e.r), bytes(e.g), bytes(e.b), bytes(e.a), ByteTag(),
+                              to + i * 4);
+    }
+}
+void rgba16Run(const float* const planes[4], int count, uint8_t* to)
+{
+    auto* samples = static_cast<uint16_t*>(static_cast<void*>(to));
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Encoded e = encodedPixels<AlphaUse::Straight>(planes, i, 65535);
+        hn::StoreInterleaved4(words(e.r), words(e.g), words(e.b), words(e.a), WordTag(),
+                              samples + i * 4);
+    }
+}
+void rgba8PremultipliedRun(const float* const planes[4], int count, uint8_t* to)
+{
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Encoded e = encodedPixels<AlphaUse::Premultiplied>(planes, i, 255);
+        hn::StoreInterleaved4(bytes(e.r), bytes(e.g), bytes(e.b), bytes(e.a), ByteTag(),
+                              to + i * 4);
+    }
+}
+void bgrx8Run(const float* const planes[4], int count, uint8_t* to)
+{
+    const auto opaque = hn::Set(ByteTag(), 255);
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Encoded e = encodedPixels<AlphaUse::OverBlack>(planes, i, 255);
+        hn::StoreInterleaved4(bytes(e.b), bytes(e.g), bytes(e.r), opaque, ByteTag(), to + i * 4);
+    }
+}
+void bgra8PremultipliedRun(const float* const planes[4], int count, uint8_t* to)
+{
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Encoded e = encodedPixels<AlphaUse::Premultiplied>(planes, i, 255);
+        hn::StoreInterleaved4(bytes(e.b), bytes(e.g), bytes(e.r), bytes(e.a), ByteTag(),
+                              to + i * 4);
+    }
 }
 
 void matrixRun(const float* m, float* const rgb[3], int count)
@@ -132,25 +196,6 @@ void convolveRun(const float* in, std::ptrdiff_t step, float* out, int count, co
     }
 }
 
-void bilinearRun(const float* plane, const int32_t* offsets, std::ptrdiff_t stride, const float* u,
-                 const float* v, int count, float* out)
-{
-    const FloatTag f;
-    const IntTag i32;
-    for (int i = 0; i < count; i += int(Lanes::count())) {
-        const auto at = hn::LoadU(i32, offsets + i);
-        const Lanes lowLeft = hn::GatherIndex(f, plane, at);
-        const Lanes lowRight = hn::GatherIndex(f, plane + 1, at);
-        const Lanes highLeft = hn::GatherIndex(f, plane + stride, at);
-        const Lanes highRight = hn::GatherIndex(f, plane + stride + 1, at);
-        // No fused multiply-add: at a picture's edge the plain loop below must give the same bits.
-        const Lanes across = Lanes::load(u + i);
-        const Lanes bottom = lowLeft + (lowRight - lowLeft) * across;
-        const Lanes top = highLeft + (highRight - highLeft) * across;
-        (bottom + (top - bottom) * Lanes::load(v + i)).store(out + i);
-    }
-}
-
 } // namespace
 } // namespace orvane::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -163,13 +208,16 @@ namespace orvane {
 
 HWY_EXPORT(halvesFromFloatsRun);
 HWY_EXPORT(floatsFromHalvesRun);
-HWY_EXPORT(encodeOverBlack);
-HWY_EXPORT(encodeStraight);
-HWY_EXPORT(encodePremultiplied);
+HWY_EXPORT(rgb8Run);
+HWY_EXPORT(rgb16Run);
+HWY_EXPORT(rgba8Run);
+HWY_EXPORT(rgba16Run);
+HWY_EXPORT(rgba8PremultipliedRun);
+HWY_EXPORT(bgrx8Run);
+HWY_EXPORT(bgra8PremultipliedRun);
 HWY_EXPORT(matrixRun);
 HWY_EXPORT(premultiplyRun);
 HWY_EXPORT(convolveRun);
-HWY_EXPORT(bilinearRun);
 
 void halvesFromFloats(const float* from, uint16_t* to, int count)
 {
@@ -202,52 +250,6 @@ void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
     HWY_DYNAMIC_DISPATCH(convolveRun)(in, stride, out, count, weights, reach);
 }
 
-void BilinearTaps::set(const double* xs, const double* ys, int length, int width, int height,
-                       std::ptrdiff_t planeStride)
-{
-    count = length;
-    stride = planeStride;
-    inside = true;
-    for (int i = 0; i < length; ++i) {
-        const double x = xs[i] - 0.5;
-        const double y = ys[i] - 0.5;
-        // Written so that what is not a number fails the test.
-        const bool reaches = x > -1 && y > -1 && x < width && y < height;
-        const int x0 = reaches ? int(x + 1) - 1 : 0;
-        const int y0 = reaches ? int(y + 1) - 1 : 0;
-        offset[i] = int32_t(y0 * planeStride + x0);
-        u[i] = reaches ? float(x - x0) : 0;
-        v[i] = reaches ? float(y - y0) : 0;
-        const bool left = reaches && x0 >= 0;
-        const bool right = reaches && x0 + 1 < width;
-        const bool low = y0 >= 0;
-        const bool high = y0 + 1 < height;
-        present[i] = uint8_t((left && low) | (right && low) << 1 | (left && high) << 2 | (right && high) << 3);
-        inside = inside && present[i] == 15;
-    }
-    std::fill_n(offset + length, rowPadding, 0);
-}
-
-void sampleBilinear(const float* plane, const BilinearTaps& taps, float* out)
-{
-    if (taps.inside) {
-        HWY_DYNAMIC_DISPATCH(bilinearRun)
-        (plane, taps.offset, taps.stride, taps.u, taps.v, taps.count, out);
-        return;
-    }
-    for (int i = 0; i < taps.count; ++i) {
-        const float* p = plane + taps.offset[i];
-        const uint8_t present = taps.present[i];
-        const float lowLeft = present & 1 ? p[0] : 0;
-        const float lowRight = present & 2 ? p[1] : 0;
-        const float highLeft = present & 4 ? p[taps.stride] : 0;
-        const float highRight = present & 8 ? p[taps.stride + 1] : 0;
-        const float bottom = lowLeft + (lowRight - lowLeft) * taps.u[i];
-        const float top = highLeft + (highRight - highLeft) * taps.u[i];
-        out[i] = bottom + (top - bottom) * taps.v[i];
-    }
-}
-
 int bytesPerPixel(PixelFormat format)
 {
     switch (format) {
@@ -272,51 +274,8 @@ namespace {
 
 constexpr int chunk = 256;
 
-template <class Sample>
-void interleave(const float* const planes[4], int count, const int (&order)[4], int channels,
-                Sample* to)
+void floatPixels(const float* const planes[4], int count, uint8_t* to)
 {
-    for (int c = 0; c < channels; ++c) {
-        const float* from = planes[order[c]];
-        for (int i = 0; i < count; ++i)
-            to[i * channels + c] = Sample(int(from[i]));
-    }
-}
-
-void narrowChunk(const float* const planes[4], int count, PixelFormat format, uint8_t* to)
-{
-    alignas(64) float whole[4][chunk + rowPadding];
-    float* const rows[4] = {whole[0], whole[1], whole[2], whole[3]};
-    const float* const wholeRows[4] = {whole[0], whole[1], whole[2], whole[3]};
-    constexpr int rgba[4] = {0, 1, 2, 3};
-    constexpr int bgra[4] = {2, 1, 0, 3};
-    auto* to16 = static_cast<uint16_t*>(static_cast<void*>(to));
-    switch (format) {
-    case PixelFormat::RGB8:
-        HWY_DYNAMIC_DISPATCH(encodeOverBlack)(planes, count, 255, rows);
-        return interleave(wholeRows, count, rgba, 3, to);
-    case PixelFormat::RGB16:
-        HWY_DYNAMIC_DISPATCH(encodeOverBlack)(planes, count, 65535, rows);
-        return interleave(wholeRows, count, rgba, 3, to16);
-    case PixelFormat::RGBA8:
-        HWY_DYNAMIC_DISPATCH(encodeStraight)(planes, count, 255, rows);
-        return interleave(wholeRows, count, rgba, 4, to);
-    case PixelFormat::RGBA16:
-        HWY_DYNAMIC_DISPATCH(encodeStraight)(planes, count, 65535, rows);
-        return interleave(wholeRows, count, rgba, 4, to16);
-    case PixelFormat::RGBA8Premultiplied:
-        HWY_DYNAMIC_DISPATCH(encodePremultiplied)(planes, count, 255, rows);
-        return interleave(wholeRows, count, rgba, 4, to);
-    case PixelFormat::BGRX8:
-        HWY_DYNAMIC_DISPATCH(encodeOverBlack)(planes, count, 255, rows);
-        std::fill_n(whole[3], count, 255.0f);
-        return interleave(wholeRows, count, bgra, 4, to);
-    case PixelFormat::BGRA8Premultiplied:
-        HWY_DYNAMIC_DISPATCH(encodePremultiplied)(planes, count, 255, rows);
-        return interleave(wholeRows, count, bgra, 4, to);
-    case PixelFormat::RGBAFloat:
-        break;
-    }
     auto* floats = static_cast<float*>(static_cast<void*>(to));
     for (int i = 0; i < count; ++i) {
         for (int c = 0; c < 4; ++c)
@@ -324,14 +283,42 @@ void narrowChunk(const float* const planes[4], int count, PixelFormat format, ui
     }
 }
 
+void narrowChunk(const float* const planes[4], int count, PixelFormat format, uint8_t* to)
+{
+    switch (format) {
+    case PixelFormat::RGB8:
+        return HWY_DYNAMIC_DISPATCH(rgb8Run)(planes, count, to);
+    case PixelFormat::RGB16:
+        return HWY_DYNAMIC_DISPATCH(rgb16Run)(planes, count, to);
+    case PixelFormat::RGBA8:
+        return HWY_DYNAMIC_DISPATCH(rgba8Run)(planes, count, to);
+    case PixelFormat::RGBA16:
+        return HWY_DYNAMIC_DISPATCH(rgba16Run)(planes, count, to);
+    case PixelFormat::RGBA8Premultiplied:
+        return HWY_DYNAMIC_DISPATCH(rgba8PremultipliedRun)(planes, count, to);
+    case PixelFormat::BGRX8:
+        return HWY_DYNAMIC_DISPATCH(bgrx8Run)(planes, count, to);
+    case PixelFormat::BGRA8Premultiplied:
+        return HWY_DYNAMIC_DISPATCH(bgra8PremultipliedRun)(planes, count, to);
+    case PixelFormat::RGBAFloat:
+        return floatPixels(planes, count, to);
+    }
+}
+
 } // namespace
 
 void narrowRow(const float* const planes[4], int count, PixelFormat format, uint8_t* to)
 {
+    // Whole vectors go to a row of our own: what follows the pixels in the target is another
+    // tile's.
+    alignas(64) uint8_t row[(chunk + rowPadding) * 16];
+    const auto pixelBytes = size_t(bytesPerPixel(format));
     for (int i = 0; i < count; i += chunk) {
         const float* const part[4] = {planes[0] + i, planes[1] + i, planes[2] + i,
                                       planes[3] ? planes[3] + i : nullptr};
-        narrowChunk(part, std::min(chunk, count - i), format, to + i * bytesPerPixel(format));
+        const int width = std::min(chunk, count - i);
+        narrowChunk(part, width, format, row);
+        std::memcpy(to + size_t(i) * pixelBytes, row, size_t(width) * pixelBytes);
     }
 }
 

@@ -27,25 +27,4 @@ void convolveAcross(const float* in, float* out, int count, const float* weights
 void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
                   const float* weights, int reach);
 
-/// Where a row of bilinear samples reads within planes of one shape.
-struct BilinearTaps {
-    static constexpr int capacity = 256;
-
-    /// From positions relative to the planes' first pixel's edge; not a number means "nothing here".
-    /// At most `capacity` of them.
-    void set(const double* xs, const double* ys, int count, int width, int height, std::ptrdiff_t stride);
-
-    int count = 0;
-    bool inside = false; ///< every sample has its four pixels
-    std::ptrdiff_t stride = 0;
-    alignas(64) int32_t offset[capacity + rowPadding]; ///< of the lower left pixel
-    alignas(64) float u[capacity + rowPadding];
-    alignas(64) float v[capacity + rowPadding];
-    /// Which of the four pixels lie within the planes: 1, 2 lower left and right, 4, 8 upper.
-    uint8_t present[capacity + rowPadding];
-};
-
-/// The samples of one plane; pixels beyond it are 0.
-void sampleBilinear(const float* plane, const BilinearTaps& taps, float* out);
-
 } // namespace orvane

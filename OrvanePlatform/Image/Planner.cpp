@@ -165,8 +165,8 @@ private:
                 passesOf[step.node->digest] += step.stored < 0;
         }
         // From the last pass backwards and from its result backwards: the first shared node met is
-        // the one to store, since storing it may leave nothing else shared. A move, crop or clamp is
-        // a way of reading: what it reads is shared too, and is stored instead.
+        // the one to store, since storing it may leave nothing else shared. A move, crop or clamp
+        // is a way of reading: what it reads is shared too, and is stored instead.
         for (auto pass = m_plan.passes.rbegin(); pass != m_plan.passes.rend(); ++pass) {
             for (auto step = pass->steps.rbegin(); step != pass->steps.rend(); ++step) {
                 if (step->stored < 0 && passesOf[step->node->digest] > 1

@@ -157,7 +157,7 @@ HWY_AFTER_NAMESPACE();
     static const PointwiseKernel variable                                                          \
     {                                                                                              \
         name, HWY_NAMESPACE::Kernel::inputs, HWY_NAMESPACE::Kernel::rule,                          \
-        HWY_NAMESPACE::Kernel::cover,                         \
+            HWY_NAMESPACE::Kernel::cover,                                                          \
             [](const void* record, const float* table, const PointwiseRow& row) {                  \
                 HWY_DYNAMIC_DISPATCH(run##Kernel##Opaque)(record, table, row);                     \
             },                                                                                     \

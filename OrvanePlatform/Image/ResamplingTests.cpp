@@ -38,8 +38,8 @@ CIImage numbered(int width, int height)
 void expectRed(const CIImage& image, const PixelRect& rect, const std::vector<double>& expected,
                double tolerance)
 {
-    for (const auto& [name, values] : {std::pair{"tiled", tiled(image, rect)},
-                                       std::pair{"reference", reference(image, rect)}}) {
+    for (const auto& [name, values] :
+         {std::pair{"tiled", tiled(image, rect)}, std::pair{"reference", reference(image, rect)}}) {
         ASSERT_EQ(values.size(), expected.size() * 4);
         for (size_t i = 0; i < expected.size(); ++i)
             EXPECT_NEAR(values[i * 4], expected[i], tolerance) << name << " pixel " << i;
@@ -76,9 +76,9 @@ TEST(Structure, OrientationsAreExactCopies)
         bitmap->row(i / 2)[i % 2] = uint8_t(letters[size_t(i)]);
     const CIImage image = CIImage::withBitmap(bitmap);
     // The rows that each orientation shows, from the top.
-    const std::vector<std::vector<std::string>> shown
-        = {{"AB", "CD", "EF"}, {"BA", "DC", "FE"}, {"FE", "DC", "BA"}, {"EF", "CD", "AB"},
-           {"ACE", "BDF"},     {"ECA", "FDB"},     {"FDB", "ECA"},     {"BDF", "ACE"}};
+    const std::vector<std::vector<std::string>> shown = {
+        {"AB", "CD", "EF"}, {"BA", "DC", "FE"}, {"FE", "DC", "BA"}, {"EF", "CD", "AB"},
+        {"ACE", "BDF"},     {"ECA", "FDB"},     {"FDB", "ECA"},     {"BDF", "ACE"}};
     for (int orientation = 1; orientation <= 8; ++orientation) {
         const CIImage turned = image.oriented(orientation);
         const auto& rows = shown[size_t(orientation - 1)];
@@ -90,7 +90,8 @@ TEST(Structure, OrientationsAreExactCopies)
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
                 const auto letter = size_t(rows[size_t(height - 1 - y)][size_t(x)]);
-                EXPECT_EQ(pixels[size_t(y * width + x) * 4], (*srgbDecodingTable(SampleType::U8))[letter])
+                EXPECT_EQ(pixels[size_t(y * width + x) * 4],
+                          (*srgbDecodingTable(SampleType::U8))[letter])
                     << "orientation " << orientation << " at " << x << ", " << y;
             }
         }
@@ -125,7 +126,8 @@ TEST(Transform, BilinearSamplesAndHalvings)
     const auto halvings = [](double scale) {
         int count = 0;
         const CIImage scaled = numbered(40, 40).transformed(CGAffineTransform::scale(scale, scale));
-        for (NodePtr node = scaled.node()->inputs.front(); node->as<HalveNode>(); node = node->inputs[0])
+        for (NodePtr node = scaled.node()->inputs.front(); node->as<HalveNode>();
+             node = node->inputs[0])
             ++count;
         return count;
     };
@@ -133,8 +135,10 @@ TEST(Transform, BilinearSamplesAndHalvings)
     EXPECT_EQ(halvings(0.43527), 1);
     EXPECT_EQ(halvings(0.2176), 2);
     // An odd last column is paired with itself, so a constant stays one.
-    const CIImage constant = greyRow(std::vector<float>(7, 0.5f)).clampedToExtent().cropped({0, 0, 7, 9});
-    const CIImage small = constant.clampedToExtent().transformed(CGAffineTransform::scale(0.3, 0.3));
+    const CIImage constant =
+        greyRow(std::vector<float>(7, 0.5f)).clampedToExtent().cropped({0, 0, 7, 9});
+    const CIImage small =
+        constant.clampedToExtent().transformed(CGAffineTransform::scale(0.3, 0.3));
     expectRed(small, {0, 0, 2, 1}, {0.5, 0.5}, 1e-6);
 }
 
@@ -144,7 +148,8 @@ TEST(Lanczos, PublishedRowAndConstants)
     EXPECT_EQ(half.extent(), CGRect(0, 0, 4, 1));
     expectRed(half, {0, 0, 4, 1}, {-0.015253, 0.053615, 0.946385, 1.015253}, 2e-6);
     for (const double scale : {0.07, 0.31, 0.9, 1.7, 3.0}) {
-        const CIImage grey = greyRow(std::vector<float>(23, 0.25f)).clampedToExtent().cropped({3, -2, 29, 17});
+        const CIImage grey =
+            greyRow(std::vector<float>(23, 0.25f)).clampedToExtent().cropped({3, -2, 29, 17});
         const CIImage scaled = CIFilter::lanczosScaleTransform(grey, scale);
         for (const float v : tiled(scaled, pixelExtent(scaled)))
             ASSERT_TRUE(std::abs(v - 0.25f) < 2e-6f || std::abs(v - 1) < 2e-6f) << v;
@@ -169,7 +174,8 @@ TEST(Blur, PublishedWeightsAndSteps)
     std::vector<float> step(40, 0.0f);
     std::fill(step.begin() + 20, step.end(), 1.0f);
     const CIImage edge = greyRow(step);
-    expectRed(CIFilter::gaussianBlur(edge.clampedToExtent(), 2), {19, 0, 21, 1}, {0.40118, 0.59882}, 6e-6);
+    expectRed(CIFilter::gaussianBlur(edge.clampedToExtent(), 2), {19, 0, 21, 1}, {0.40118, 0.59882},
+              6e-6);
     expectRed(CIFilter::unsharpMask(edge, 1, 0.9), {19, 0, 21, 1}, {-0.277604, 1.277604}, 2e-6);
     expectRed(CIFilter::unsharpMask(edge, 1, -0.5), {19, 0, 21, 1}, {0.154224, 0.845776}, 2e-6);
     EXPECT_EQ(CIFilter::unsharpMask(edge, 1, 0.9).extent(), edge.extent());

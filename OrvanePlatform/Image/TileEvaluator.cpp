@@ -1,5 +1,6 @@
 #include "TileEvaluator.h"
 
+#include "BilinearWindow.h"
 #include "Bitmap.h"
 #include "BlurWeights.h"
 #include "Lanczos.h"
@@ -38,28 +39,24 @@ bool isWholePixelMove(const OrthogonalTransform& t)
     return t.a == 1 && t.d == 1;
 }
 
-/// Part of a row of a resampling, at most BilinearTaps::capacity pixels of it.
-void sampleRow(const WarpNode& node, const TilePlanes& from, int x, int y, int count, TilePlanes& out)
+/// Positions are worked out this many pixels at a time.
+constexpr int sampledRun = 256;
+
+/// Part of a row of a resampling, at most sampledRun pixels of it.
+void sampleRow(const WarpNode& node, const BilinearWindow& window, int x, int y, int count,
+               TilePlanes& out)
 {
-    double positions[6][BilinearTaps::capacity];
-    BilinearTaps taps[3];
-    const int maps = node.kernel->maps;
-    WarpPositions at;
-    for (int m = 0; m < maps; ++m) {
-        at.x[m] = positions[2 * m];
-        at.y[m] = positions[2 * m + 1];
-    }
+    double positions[6][sampledRun];
+    const WarpPositions at{{positions[0], positions[1], positions[2]},
+                           {positions[3], positions[4], positions[5]}};
     node.kernel->map(node.parameters.record.data(), x, y, count, at);
-    for (int m = 0; m < maps; ++m) {
-        for (int i = 0; i < count; ++i) {
-            at.x[m][i] -= from.rect.x0;
-            at.y[m][i] -= from.rect.y0;
+    for (int m = 0; m < node.kernel->maps; ++m) {
+        BilinearWindow::Output wanted;
+        for (int c = 0; c < out.channels(); ++c) {
+            if (node.kernel->maps == 1 || m == (c == 3 ? 1 : c))
+                wanted.plane[c] = out.at(c, x, y);
         }
-        taps[m].set(at.x[m], at.y[m], count, from.rect.width(), from.rect.height(), from.stride);
-    }
-    for (int c = 0; c < out.channels(); ++c) {
-        const int m = maps == 1 ? 0 : (c == 3 ? 1 : c);
-        sampleBilinear(from.plane[c], taps[m], out.at(c, x, y));
+        window.sample(at.x[m], at.y[m], count, wanted);
     }
 }
 
@@ -266,22 +263,14 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WarpNode&
                                    const PixelRect& rect)
 {
     const Drawn& drawn = m_drawn[size_t(step.inputs[0])];
-    TilePlanes from = drawn.planes;
-    const void* record = node.parameters.record.data();
-    const Node& source = *step.node->inputs[0];
-    const PixelRect reach = roundedOutward(node.kernel->region(record, rect).inset(-1.5, -1.5));
-    const bool inside = !drawn.empty && source.extent.contains(reach);
-    if (drawn.empty) {
-        from = m_arena.planes({rect.x0, rect.y0, rect.x0 + 1, rect.y0 + 1}, false);
-        for (int c = 0; c < 4; ++c)
-            *from.row(c, rect.y0) = 0;
-    }
-    TilePlanes out = m_arena.planes(rect, from.opaque() && inside);
-    if (!out.opaque())
-        addOpaqueAlpha(from, m_arena);
+    const PixelRect reach =
+        roundedOutward(node.kernel->region(node.parameters.record.data(), rect).inset(-1.5, -1.5));
+    const bool inside = !drawn.empty && step.node->inputs[0]->extent.contains(reach);
+    TilePlanes out = m_arena.planes(rect, inside && drawn.planes.opaque());
+    const BilinearWindow window(drawn.planes, m_arena);
     for (int y = rect.y0; y < rect.y1; ++y) {
-        for (int x = rect.x0; x < rect.x1; x += BilinearTaps::capacity)
-            sampleRow(node, from, x, y, std::min(BilinearTaps::capacity, rect.x1 - x), out);
+        for (int x = rect.x0; x < rect.x1; x += sampledRun)
+            sampleRow(node, window, x, y, std::min(sampledRun, rect.x1 - x), out);
     }
     return out;
 }

@@ -35,7 +35,8 @@ struct TiledRenderer::Drawing {
     {
         if (!options.statistics)
             return;
-        const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
+        const std::chrono::duration<double, std::milli> spent =
+            std::chrono::steady_clock::now() - start;
         statistics.drawMilliseconds = spent.count();
         *options.statistics = statistics;
     }

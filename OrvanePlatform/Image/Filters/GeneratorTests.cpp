@@ -38,11 +38,15 @@ TEST(Generators, RampBetweenTwoPoints)
     expectPixel(up, 40, 15, grey(0.55f));
     expectPixel(up, 0, 9, grey(0), 0);
     expectPixel(up, 0, 20, grey(1), 0);
+    // An end is met to the bit, though its distance from the other rounds it away.
+    const float faint = float(1e-8 / 12.92);
+    expectPixel(CIFilter::linearGradient({0, 0}, white, {1, 0}, {1e-8, 1e-8, 1e-8, 1}), 7, 0,
+                grey(faint), 0);
     // Only the way along the line counts: (1.5, 2.5) projects to 3.5 / 8 of it.
     expectPixel(CIFilter::linearGradient({0, 0.5}, white, {4, 4.5}, clear), 1, 2,
                 {0.5625f, 0.5625f, 0.5625f, 0.5625f});
     EXPECT_FALSE(CIFilter::linearGradient({0, 0}, white, {4, 4}, clear).node()->opaque);
-    // A quarter turn of a colour is decoded before it is mixed.
+    // A colour is decoded before it is mixed.
     expectPixel(CIFilter::linearGradient({0, 0}, {0.5, 0, 0, 1}, {1, 0}, black), 0, 0,
                 {0.1070206f, 0, 0, 1});
 }

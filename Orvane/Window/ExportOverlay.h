@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QPushButton;
+
+namespace orvane {
+
+/// Lies over the canvas while a file is being written: dims it, says so and offers to stop.
+class ExportOverlay final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Covers `canvas` and follows its size. Hidden at first.
+    explicit ExportOverlay(QWidget* canvas);
+
+    void begin();
+    void end() { hide(); }
+
+Q_SIGNALS:
+    void cancelled();
+
+protected:
+    bool eventFilter(QObject* canvas, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QLabel* m_label;
+    QPushButton* m_cancel;
+};
+
+} // namespace orvane

@@ -23,10 +23,10 @@ TEST(Generators, FillWithAColour)
 {
     const CIImage orange = CIImage::withColor({1, 0.5, 0, 0.5});
     EXPECT_TRUE(orange.extent().isInfinite());
-    EXPECT_FALSE(orange.node()->opaque);
+    EXPECT_FALSE(orange.isOpaque());
     expectPixel(orange, -1000, 70000, {0.5f, 0.107021f, 0, 0.5f});
     const CIImage middle = CIImage::withColor({0.5, 0.5, 0.5});
-    EXPECT_TRUE(middle.node()->opaque);
+    EXPECT_TRUE(middle.isOpaque());
     expectPixel(middle, 3, -8, grey(0.214041f));
 }
 
@@ -34,7 +34,7 @@ TEST(Generators, RampBetweenTwoPoints)
 {
     const CIImage up = CIFilter::linearGradient({0, 10}, black, {0, 20}, white);
     EXPECT_TRUE(up.extent().isInfinite());
-    EXPECT_TRUE(up.node()->opaque);
+    EXPECT_TRUE(up.isOpaque());
     expectPixel(up, 40, 15, grey(0.55f));
     expectPixel(up, 0, 9, grey(0), 0);
     expectPixel(up, 0, 20, grey(1), 0);
@@ -45,7 +45,7 @@ TEST(Generators, RampBetweenTwoPoints)
     // Only the way along the line counts: (1.5, 2.5) projects to 3.5 / 8 of it.
     expectPixel(CIFilter::linearGradient({0, 0.5}, white, {4, 4.5}, clear), 1, 2,
                 {0.5625f, 0.5625f, 0.5625f, 0.5625f});
-    EXPECT_FALSE(CIFilter::linearGradient({0, 0}, white, {4, 4}, clear).node()->opaque);
+    EXPECT_FALSE(CIFilter::linearGradient({0, 0}, white, {4, 4}, clear).isOpaque());
     // A colour is decoded before it is mixed.
     expectPixel(CIFilter::linearGradient({0, 0}, {0.5, 0, 0, 1}, {1, 0}, black), 0, 0,
                 {0.1070206f, 0, 0, 1});
@@ -96,7 +96,7 @@ TEST(Vignette, FollowsThePublishedFactors)
     const CIImage lighter = CIFilter::vignetteEffect(corner, {300, 200}, 450, -1, 0.5);
     expectPixel(lighter, 0, 0, grey(1.879216f), 5e-6f);
     EXPECT_EQ(lighter.extent(), corner.extent());
-    EXPECT_TRUE(lighter.node()->opaque);
+    EXPECT_TRUE(lighter.isOpaque());
 }
 
 TEST(Vignette, KeepsAlphaAndHasAnswersAtTheEnds)

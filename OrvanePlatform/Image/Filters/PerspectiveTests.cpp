@@ -28,7 +28,7 @@ TEST(Perspective, SamplesWhereThePublishedNumbersSay)
 {
     const CIImage image = CIFilter::perspectiveTransform(coordinates(100, 80), keystone);
     EXPECT_EQ(image.extent(), CGRect(-13, 0, 126, 80));
-    EXPECT_FALSE(image.node()->opaque);
+    EXPECT_FALSE(image.isOpaque());
     expectPixel(image, 20, 60, {16.1649f, 52.0430f, 0, 1}, 1e-4f);
     // Pixel (49, 39), whose centre is half a pixel from the (50, 40) that samples (50, 30).
     const WarpNode& warp = *image.node()->as<WarpNode>();
@@ -69,7 +69,35 @@ TEST(Perspective, ReturnsItsInputOrNothing)
         CIFilter::perspectiveTransform(picture, {{0, nan}, {8, 6}, {8, 0}, {0, 0}}).isEmpty());
 }
 
-// Each region must hold every position that its rectangle samples, or tiles would lose pixels.
+TEST(Perspective, ShowsNothingOfWhatIsBehindTheEye)
+{
+    // Of a shape dented at the top right all that falls within its box does so from behind.
+    const CIImage image =
+        CIFilter::perspectiveTransform(coordinates(100, 80), {{0, 80}, {60, 25}, {100, 0}, {0, 0}});
+    expectPixel(image, 83, 54, {0, 0, 0, 0});
+    expectPixel(image, 98, 1, {0, 0, 0, 0});
+}
+
+/// The region that the rectangle asks for holds every position within 100 x 80 that it samples.
+void expectHeld(const WarpNode& warp, const PixelRect& rect)
+{
+    const void* record = warp.parameters.record.data();
+    // One pixel more is read around every region.
+    const CGRect region = warp.kernel->region(record, rect).inset(-1, -1);
+    std::vector<double> px(size_t(rect.width()));
+    std::vector<double> py(px.size());
+    for (int y = rect.y0; y < rect.y1; ++y) {
+        warp.kernel->map(record, rect.x0, y, rect.width(), {{px.data()}, {py.data()}});
+        for (size_t i = 0; i < px.size(); ++i) {
+            const bool sampled = px[i] > -0.5 && px[i] < 100.5 && py[i] > -0.5 && py[i] < 80.5;
+            const bool held = px[i] >= region.minX() && px[i] <= region.maxX()
+                && py[i] >= region.minY() && py[i] <= region.maxY();
+            ASSERT_TRUE(held || !sampled) << "row " << y << " of " << rect.x0 << ", " << rect.y0;
+        }
+    }
+}
+
+// A region that is too small would lose pixels at a tile's edge.
 TEST(Perspective, AsksForAllThatItSamples)
 {
     const CIFilter::Corners shapes[] = {
@@ -78,6 +106,7 @@ TEST(Perspective, AsksForAllThatItSamples)
         {{100, 0}, {0, 10}, {0, 80}, {90, 80}}, // upside down
         {{30, 40}, {100, 80}, {100, 0}, {0, 0}}, // nearly a triangle
         {{70, 20}, {100, 80}, {100, 0}, {0, 0}}, // dented: w changes its sign
+        {{0, 80}, {100, 80}, {100, 0}, {40, 30}}, // dented at the near corner
         {{0, 80}, {100, 0}, {100, 80}, {0, 0}}, // crossed
     };
     for (const auto& shape : shapes) {
@@ -86,23 +115,10 @@ TEST(Perspective, AsksForAllThatItSamples)
         if (image.isEmpty())
             continue;
         expectSameDrawn(image, roundedOutward(image.extent().inset(-3, -3)), 2e-5);
-        const WarpNode& warp = *image.node()->as<WarpNode>();
-        const void* record = warp.parameters.record.data();
-        for (int top = 0; top < 80; top += 16) {
-            for (int left = 0; left < 112; left += 16) {
-                const PixelRect rect{left, top, left + 16, top + 16};
-                const CGRect region = warp.kernel->region(record, rect).inset(-1e-9, -1e-9);
-                for (int y = rect.y0; y < rect.y1; ++y) {
-                    double px[16];
-                    double py[16];
-                    warp.kernel->map(record, left, y, 16, {{px}, {py}});
-                    for (int i = 0; i < 16; ++i) {
-                        const bool sampled = px[i] > -1 && px[i] < 101 && py[i] > -1 && py[i] < 81;
-                        // One pixel more is read around every region.
-                        ASSERT_TRUE(!sampled
-                                    || region.inset(-1, -1).contains({px[i], py[i], 0, 0}));
-                    }
-                }
+        for (const int side : {16, 32, 128}) {
+            for (int y = 0; y < 80; y += side) {
+                for (int x = 0; x < 112; x += side)
+                    expectHeld(*image.node()->as<WarpNode>(), {x, y, x + side, y + side});
             }
         }
     }

@@ -1,7 +1,6 @@
 #include "Baker.h"
 
 #include "Metadata.h"
-#include "Node.h"
 
 namespace orvane::Baker {
 
@@ -25,7 +24,7 @@ bool isDrawable(const CIImage& image)
 /// Whether a pixel within the image's extent may have an alpha below 1.
 bool hasTransparency(const CIImage& image)
 {
-    return !image.node() || !image.node()->opaque;
+    return !image.isOpaque();
 }
 
 int bitsPerSample(const FileSettings& settings)

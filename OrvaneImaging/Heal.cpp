@@ -7,7 +7,6 @@
 
 #include "Filters/CIFilter.h"
 #include "Kernels/HealKernels.h"
-#include "Node.h"
 
 #include <algorithm>
 #include <array>
@@ -89,7 +88,7 @@ private:
         if (changes.empty())
             return m_image.cropped(region);
         return HealKernels::sum({m_image, summed(std::move(changes)), {}, {}}, region,
-                                m_image.node()->opaque);
+                                m_image.isOpaque());
     }
 
     const CIImage& m_image;

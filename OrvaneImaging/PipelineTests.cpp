@@ -1,6 +1,5 @@
 #include "Pipeline.h"
 
-#include "Node.h"
 #include "ReferenceRenderer.h"
 #include "Stages.h"
 #include "TestImages.h"
@@ -141,7 +140,7 @@ TEST(Pipeline, KeepsAnOpaquePictureOpaque)
 {
     const CIImage image = coordinates(40, 24);
     for (const Stages::Stage& stage : Stages::all())
-        EXPECT_TRUE(stage.draw(image, everything()).node()->opaque) << stage.name;
+        EXPECT_TRUE(stage.draw(image, everything()).isOpaque()) << stage.name;
 }
 
 TEST(Pipeline, DrawsTheSameInTilesAsStageByStage)

@@ -133,7 +133,6 @@ ORVANE_KERNEL_RUNS(ApplyLights)
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-#include "Node.h"
 
 #include <algorithm>
 
@@ -175,7 +174,7 @@ CIImage LightKernels::lit(const CIImage& image, const CIImage& amounts)
     // The amounts' alpha is no transparency: the result is as opaque as the picture.
     const HWY_NAMESPACE::ApplyLights::Record record{0.125f};
     return applyKernel(applyLightsKernel, Parameters::of(record), {{image, amounts}},
-                       image.extent(), image.node()->opaque);
+                       image.extent(), image.isOpaque());
 }
 
 } // namespace orvane

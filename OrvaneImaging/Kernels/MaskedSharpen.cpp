@@ -46,7 +46,7 @@ CIImage Kernels::maskedSharpen(const CIImage& original, const CIImage& sharpened
                                const CIImage& blurred, double threshold)
 {
     // The blurred image only measures: its faded border takes no opacity away.
-    const bool opaque = original.node()->opaque && sharpened.node()->opaque;
+    const bool opaque = original.isOpaque() && sharpened.isOpaque();
     using Record = HWY_NAMESPACE::MaskedSharpen::Record;
     return applyKernel(maskedSharpenKernel, Parameters::of(Record{float(threshold)}),
                        {{original, sharpened, blurred}}, original.extent(), opaque);

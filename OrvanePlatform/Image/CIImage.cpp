@@ -70,6 +70,11 @@ CGRect CIImage::extent() const
     return m_node->extent.cgRect();
 }
 
+bool CIImage::isOpaque() const
+{
+    return m_node->opaque;
+}
+
 const ImageProperties& CIImage::properties() const
 {
     return *m_node->properties;

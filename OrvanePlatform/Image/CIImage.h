@@ -40,6 +40,8 @@ public:
 
     CGRect extent() const;
     bool isEmpty() const { return extent().isEmpty(); }
+    /// Alpha is known to be 1 at every pixel of the extent.
+    bool isOpaque() const;
     /// The metadata carried from the source; every operation hands its first input's on.
     const ImageProperties& properties() const;
     CIImage settingProperties(ImageProperties properties) const;

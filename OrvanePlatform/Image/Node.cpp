@@ -39,6 +39,8 @@ namespace {
 template <class... Cases> struct Overload : Cases... {
     using Cases::operator()...;
 };
+template <class... Cases>
+Overload(Cases...) -> Overload<Cases...>;
 
 void addRect(DigestBuilder& digest, const PixelRect& r)
 {

@@ -145,7 +145,7 @@ CIImage CIFilter::maskedVariableBlur(const CIImage& input, const CIImage& mask, 
                               blurWithin(input, radius),
                               mask};
     return applyKernel(variableBlurKernel, Parameters::of(HWY_NAMESPACE::VariableBlur::Record{0}),
-                       inputs, input.extent(), input.node()->opaque);
+                       inputs, input.extent(), input.isOpaque());
 }
 
 } // namespace orvane

@@ -139,7 +139,7 @@ const Extent& extentOf(const CIImage& image)
 
 bool opaqueOver(const CIImage& image, const Extent& extent)
 {
-    return image.node()->opaque && extentOf(image).contains(extent);
+    return image.isOpaque() && extentOf(image).contains(extent);
 }
 
 Parameters noNumbers()

@@ -136,7 +136,7 @@ TEST(Compositing, SpansTheUnionAndReadsZerosOutside)
         SCOPED_TRACE(c.what);
         const CIImage both = c.operation(left, right);
         EXPECT_EQ(both.extent(), CGRect(0, 0, 5, 3));
-        EXPECT_FALSE(both.node()->opaque);
+        EXPECT_FALSE(both.isOpaque());
         expectPixel(both, 1, 1, c.onInput);
         expectPixel(both, 3, 1, c.onBackground);
         expectPixel(both, 0, 2, {0, 0, 0, 0});
@@ -172,7 +172,7 @@ TEST(Compositing, KnowsWhatStaysOpaque)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        EXPECT_EQ(c.image.node()->opaque, c.expected);
+        EXPECT_EQ(c.image.isOpaque(), c.expected);
         expectSameDrawn(c.image, {-1, -1, 7, 6});
     }
 }

@@ -80,7 +80,7 @@ TEST(NoiseReduction, TilesAgreeWithTheReference)
         for (const int width : {1, 2, 15, 16, 17, 33}) {
             const CIImage image = CIFilter::noiseReduction(
                 randomPicture(width, 7, opaque, uint32_t(width)), 0.1, 0.6);
-            EXPECT_EQ(image.node()->opaque, opaque);
+            EXPECT_EQ(image.isOpaque(), opaque);
             expectSameDrawn(image, {-1, -1, width + 1, 8}, 1e-5);
             // An endless picture, from a place of its own.
             const CIImage endless =

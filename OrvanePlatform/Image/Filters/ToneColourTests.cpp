@@ -365,7 +365,7 @@ TEST(PointwiseOperations, FollowAlpha)
         for (const auto& draw : {tiled, reference}) {
             EXPECT_EQ(draw(p.operation(pixelsImage(7, 3, clear)), rect), clear);
             const CIImage opaque = p.operation(opaqueImage(7, 3, colours));
-            EXPECT_EQ(opaque.node()->opaque, p.keepsAlpha);
+            EXPECT_EQ(opaque.isOpaque(), p.keepsAlpha);
             if (!p.keepsAlpha)
                 continue;
             // Division by 0.5 and the product with it are exact, so the bits must agree.

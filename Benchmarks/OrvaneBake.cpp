@@ -155,7 +155,7 @@ Result<void> bake(const Arguments& arguments)
     const double decoded = millisecondsSince(start);
     const CIImage finished = finishedImage(imageFromPicture(*picture), *state, *table);
     DrawStatistics statistics;
-    const Result<void> written = exportFile(finished, arguments.options, arguments.output,
+    Result<void> written = exportFile(finished, arguments.options, arguments.output,
                                             DrawOptions{.statistics = &statistics});
     if (!written)
         return written;

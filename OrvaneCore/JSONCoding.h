@@ -173,9 +173,10 @@ template <class T> struct JSONCoding<std::map<std::string, T>> {
         if (!object)
             return reader.expected("an object");
         values.clear();
-        for (const auto& [key, member] : *object) {
-            if (!reader.at(std::string_view(key),
-                           [&] { return JSONCoding<T>::read(reader, member, values[key]); }))
+        for (const auto& entry : *object) {
+            if (!reader.at(std::string_view(entry.first), [&] {
+                    return JSONCoding<T>::read(reader, entry.second, values[entry.first]);
+                }))
                 return false;
         }
         return true;

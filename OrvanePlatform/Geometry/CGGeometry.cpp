@@ -83,8 +83,11 @@ CGAffineTransform CGAffineTransform::translation(double tx, double ty)
 
 CGAffineTransform CGAffineTransform::concatenated(const CGAffineTransform& next) const
 {
-    return {a * next.a + b * next.c, a * next.b + b * next.d, c * next.a + d * next.c,
-            c * next.b + d * next.d, tx * next.a + ty * next.c + next.tx,
+    return {a * next.a + b * next.c,
+            a * next.b + b * next.d,
+            c * next.a + d * next.c,
+            c * next.b + d * next.d,
+            tx * next.a + ty * next.c + next.tx,
             tx * next.b + ty * next.d + next.ty};
 }
 

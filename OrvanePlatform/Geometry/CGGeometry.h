@@ -2,7 +2,8 @@
 
 namespace orvane {
 
-/// Points, sizes and rectangles in 64-bit floats. The y axis points up unless a name says otherwise.
+/// Points, sizes and rectangles in 64-bit floats. The y axis points up unless a name says
+/// otherwise.
 struct CGPoint {
     double x = 0;
     double y = 0;
@@ -81,7 +82,10 @@ struct CGAffineTransform {
     bool isIdentity() const { return *this == CGAffineTransform{}; }
     bool isFinite() const;
 
-    CGPoint apply(const CGPoint& p) const { return {a * p.x + c * p.y + tx, b * p.x + d * p.y + ty}; }
+    CGPoint apply(const CGPoint& p) const
+    {
+        return {a * p.x + c * p.y + tx, b * p.x + d * p.y + ty};
+    }
     /// The bounding box of the transformed rectangle; infinite stays infinite.
     CGRect apply(const CGRect& r) const;
 

@@ -91,7 +91,7 @@ void paint(Bitmap& mask, const Capsule& capsule, double radius)
         uint8_t* pixels = mask.row(row);
         const auto blend = [&](int x) {
             const double coverage = std::clamp(reach - capsule.distance(x + 0.5, y), 0.0, 1.0);
-            pixels[x] = std::max(pixels[x], uint8_t(coverage * 255 + 0.5));
+            pixels[x] = std::max(pixels[x], uint8_t(std::lround(coverage * 255)));
         };
         for (int x = first; x < fullFirst; ++x)
             blend(x);

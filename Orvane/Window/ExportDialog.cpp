@@ -63,8 +63,6 @@ ExportDialog::ExportDialog(const ExportOptions& options, QWidget* parent)
     , m_format(new QComboBox)
     , m_quality(new SliderRow(tr("Quality"), {1, 100, 90}))
     , m_sixteenBit(new QCheckBox(tr("16-bit")))
-    , m_sixteenBitHint(hint(tr("Twice the tonal precision, roughly twice the file. Worth it for "
-                               "gradients.")))
     , m_losslessHint(hint(tr("Lossless. Large files.")))
     , m_metadata(new QComboBox)
     , m_size(new QComboBox)
@@ -84,22 +82,26 @@ ExportDialog::ExportDialog(const ExportOptions& options, QWidget* parent)
     m_size->setCurrentIndex(std::max(0, m_size->findData(options.longEdge)));
     m_format->setObjectName("format");
 
-    auto* form = new QFormLayout;
-    form->setLabelAlignment(Qt::AlignLeft | Qt::AlignTop);
-    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    form->setHorizontalSpacing(16);
-    form->setVerticalSpacing(12);
-    form->addRow(tr("Format"), explained(m_format, m_losslessHint));
-    form->addRow(m_quality);
-    form->addRow(QString(), explained(m_sixteenBit, m_sixteenBitHint));
-    form->addRow(tr("Metadata"),
-                 explained(m_metadata,
-                           hint(tr("Location is removed by default — a shared "
-                                   "photo shouldn't hand over your address."))));
-    form->addRow(tr("Size"),
-                 explained(m_size,
-                           hint(tr("Downscale to the longest edge. Full size "
-                                   "never enlarges."))));
+    m_form = new QFormLayout;
+    m_form->setLabelAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    m_form->setHorizontalSpacing(16);
+    m_form->setVerticalSpacing(12);
+    m_form->addRow(tr("Format"), explained(m_format, m_losslessHint));
+    m_quality->hideLabel();
+    m_form->addRow(tr("Quality"), m_quality);
+    m_form->addRow(QString(),
+                   explained(m_sixteenBit,
+                             hint(tr("Twice the tonal precision, roughly twice the file. "
+                                     "Worth it for gradients."))));
+    m_form->addRow(tr("Metadata"),
+                   explained(m_metadata,
+                             hint(tr("Location is removed by default — a shared "
+                                     "photo shouldn't hand over your address."))));
+    m_form->addRow(tr("Size"),
+                   explained(m_size,
+                             hint(tr("Downscale to the longest edge. Full size "
+                                     "never enlarges."))));
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
     auto* proceed = buttons->addButton(tr("Export"), QDialogButtonBox::AcceptRole);
@@ -111,7 +113,7 @@ ExportDialog::ExportDialog(const ExportOptions& options, QWidget* parent)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(20, 20, 20, 16);
     column->setSpacing(20);
-    column->addLayout(form);
+    column->addLayout(m_form);
     column->addWidget(buttons);
     column->setSizeConstraint(QLayout::SetFixedSize);
     setMinimumWidth(400);
@@ -131,9 +133,9 @@ void ExportDialog::showWhatApplies()
 {
     const ExportFormatInfo& format = exportFormats[size_t(m_format->currentIndex())];
     const bool isPng = format.format == ExportFormat::png;
-    m_quality->setVisible(format.lossy);
+    m_form->setRowVisible(m_quality, format.lossy);
     m_losslessHint->setVisible(!format.lossy);
-    m_sixteenBit->parentWidget()->setVisible(isPng);
+    m_form->setRowVisible(m_sixteenBit->parentWidget(), isPng);
 }
 
 } // namespace orvane

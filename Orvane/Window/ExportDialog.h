@@ -26,10 +26,10 @@ public:
 private:
     void showWhatApplies();
 
+    QFormLayout* m_form = nullptr;
     QComboBox* m_format;
     SliderRow* m_quality;
     QCheckBox* m_sixteenBit;
-    QLabel* m_sixteenBitHint;
     QLabel* m_losslessHint;
     QComboBox* m_metadata;
     QComboBox* m_size;

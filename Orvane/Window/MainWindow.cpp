@@ -114,11 +114,13 @@ void MainWindow::layOut()
     secondary.setColor(QPalette::WindowText, Theme::secondaryText);
     hint->setPalette(secondary);
     auto* button = new QPushButton(tr("Open Image…"));
-    button->setDefault(true);
-    button->setFixedHeight(30);
     connect(button, &QPushButton::clicked, this, &MainWindow::openByPanel);
 
     m_emptyPage = new QWidget;
+    QPalette ground = m_emptyPage->palette();
+    ground.setColor(QPalette::Window, Theme::surround);
+    m_emptyPage->setPalette(ground);
+    m_emptyPage->setAutoFillBackground(true);
     auto* empty = new QVBoxLayout(m_emptyPage);
     empty->setSpacing(8);
     empty->addStretch(1);

@@ -137,11 +137,11 @@ SliderRow::SliderRow(const QString& label, const Range& range, QWidget* parent)
     : QWidget(parent)
     , m_range(range)
     , m_value(range.rest)
+    , m_label(new QLabel(label))
     , m_slider(new DoubleClickSlider(range.minimum, range.maximum, range.rest))
     , m_field(new QLineEdit)
 {
-    auto* name = new QLabel(label);
-    name->setFixedWidth(labelWidth);
+    m_label->setFixedWidth(labelWidth);
     m_slider->setAccessibleName(label);
     m_field->setAccessibleName(label);
     m_field->setFixedSize(fieldWidth, 22);
@@ -151,7 +151,7 @@ SliderRow::SliderRow(const QString& label, const Range& range, QWidget* parent)
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(8);
-    row->addWidget(name);
+    row->addWidget(m_label);
     row->addWidget(m_slider, 1);
     row->addWidget(m_field);
     setFixedHeight(rowHeight);
@@ -164,6 +164,11 @@ SliderRow::SliderRow(const QString& label, const Range& range, QWidget* parent)
     });
     connect(m_slider, &DoubleClickSlider::resetAsked, this, [this] { setValue(m_range.rest); });
     connect(m_field, &QLineEdit::editingFinished, this, &SliderRow::takeTyped);
+}
+
+void SliderRow::hideLabel()
+{
+    m_label->hide();
 }
 
 void SliderRow::setValue(double value)

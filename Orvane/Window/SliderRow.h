@@ -3,6 +3,8 @@
 #include <QLineEdit>
 #include <QSlider>
 
+class QLabel;
+
 namespace orvane {
 
 /// A slider over tenths of its unit. Arrow keys step by one unit and with Shift by a tenth; a
@@ -39,7 +41,7 @@ private:
     double m_grab = 0; ///< from the knob's centre to where it was taken
 };
 
-/// A row of the panel: label, slider, and the value as a field that takes a typed number.
+/// A row of a panel: label, slider, and the value as a field that takes a typed number.
 class SliderRow final : public QWidget {
     Q_OBJECT
 
@@ -54,6 +56,8 @@ public:
     double value() const { return m_value; }
     /// Held to the range. Told by valueChanged, when it differs.
     void setValue(double value);
+    /// For a form that has labels of its own.
+    void hideLabel();
     DoubleClickSlider& slider() { return *m_slider; }
     QLineEdit& field() { return *m_field; }
 
@@ -66,6 +70,7 @@ private:
 
     Range m_range;
     double m_value;
+    QLabel* m_label;
     DoubleClickSlider* m_slider;
     QLineEdit* m_field;
 };

@@ -14,7 +14,6 @@ namespace {
 
 QPalette palette()
 {
-    const QColor field(0x21, 0x21, 0x21);
     QPalette result(section, panel);
     for (const auto& [role, color] : {
              std::pair{QPalette::Window, panel},
@@ -42,6 +41,24 @@ QPalette palette()
     return result;
 }
 
+/// Where Fusion draws gradients and its own radii: buttons and fields are flat here.
+QString controls()
+{
+    return QString("QPushButton, QLineEdit { border: 1px solid %1; border-radius: %2px; }"
+                   "QPushButton { background: %3; padding: 5px 14px; }"
+                   "QPushButton:hover { background: %4; }"
+                   "QPushButton:pressed { background: %5; }"
+                   "QPushButton:disabled { color: %6; }"
+                   "QLineEdit { background: %7; padding: 1px 5px; }"
+                   "QLineEdit:disabled { color: %6; }"
+                   "QPushButton:default, QPushButton:focus, QLineEdit:focus { border-color: %8; }"
+                   "QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }")
+        .arg(border.name())
+        .arg(radius)
+        .arg(raised.name(), hover.name(), section.name(), disabledText.name(), field.name(),
+             accent.name());
+}
+
 } // namespace
 
 void apply(QApplication& application)
@@ -54,6 +71,7 @@ void apply(QApplication& application)
     QFont font("Inter");
     font.setPixelSize(13);
     application.setFont(font);
+    application.setStyleSheet(controls());
 }
 
 void makeSecondary(QWidget& widget)

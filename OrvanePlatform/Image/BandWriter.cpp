@@ -43,48 +43,49 @@ void BandWriter::narrow(const TilePlanes& planes, const PixelRect& tile, int ban
     }
 }
 
-void BandWriter::work(const std::function<TilePlanes(const PixelRect&)>& draw)
+void BandWriter::writeBand(int band, std::unique_lock<std::mutex>& lock)
+{
+    m_writing = true;
+    lock.unlock();
+    const auto start = std::chrono::steady_clock::now();
+    Result<void> written = m_sink.writeRows(bandMemory(band), bandRect(band).height(), m_rowBytes);
+    const std::chrono::duration<double, std::milli> spent =
+        std::chrono::steady_clock::now() - start;
+    lock.lock();
+    m_writing = false;
+    m_sinkMilliseconds += spent.count();
+    ++m_written;
+    if (!written) {
+        m_result = std::move(written);
+        m_stopped = true;
+    }
+}
+
+ThreadPool::Step BandWriter::step(const std::function<TilePlanes(const PixelRect&)>& draw)
 {
     std::unique_lock lock(m_mutex);
-    const int tiles = m_bands * m_tilesAcross;
-    while (!m_stopped && m_written < m_bands) {
-        if (m_cancellation && m_cancellation->isCancelled()) {
-            m_result = Error{"Cancelled."};
-            m_stopped = true;
-        } else if (!m_writing && m_unfinished[size_t(m_written)] == 0) {
-            m_writing = true;
-            const int band = m_written;
-            lock.unlock();
-            const auto start = std::chrono::steady_clock::now();
-            Result<void> written =
-                m_sink.writeRows(bandMemory(band), bandRect(band).height(), m_rowBytes);
-            const std::chrono::duration<double, std::milli> spent =
-                std::chrono::steady_clock::now() - start;
-            lock.lock();
-            m_writing = false;
-            m_sinkMilliseconds += spent.count();
-            ++m_written;
-            if (!written) {
-                m_result = std::move(written);
-                m_stopped = true;
-            }
-        } else if (m_nextTile < tiles && m_nextTile / m_tilesAcross < m_written + m_ahead) {
-            const int index = m_nextTile++;
-            lock.unlock();
-            const int band = index / m_tilesAcross;
-            PixelRect tile = bandRect(band);
-            tile.x0 += index % m_tilesAcross * m_tileWidth;
-            tile.x1 = std::min(tile.x0 + m_tileWidth, m_rect.x1);
-            narrow(draw(tile), tile, band);
-            lock.lock();
-            if (--m_unfinished[size_t(band)] > 0)
-                continue;
-        } else {
-            m_changed.wait(lock);
-            continue;
-        }
-        m_changed.notify_all();
+    if (!m_stopped && m_cancellation && m_cancellation->isCancelled()) {
+        m_result = Error{"Cancelled."};
+        m_stopped = true;
     }
+    if (m_stopped || m_written == m_bands)
+        return ThreadPool::Step::Finished;
+    if (!m_writing && m_unfinished[size_t(m_written)] == 0) {
+        writeBand(m_written, lock);
+        return ThreadPool::Step::Worked;
+    }
+    if (m_nextTile == m_bands * m_tilesAcross || m_nextTile / m_tilesAcross >= m_written + m_ahead)
+        return ThreadPool::Step::Waiting;
+    const int index = m_nextTile++;
+    lock.unlock();
+    const int band = index / m_tilesAcross;
+    PixelRect tile = bandRect(band);
+    tile.x0 += index % m_tilesAcross * m_tileWidth;
+    tile.x1 = std::min(tile.x0 + m_tileWidth, m_rect.x1);
+    narrow(draw(tile), tile, band);
+    lock.lock();
+    --m_unfinished[size_t(band)];
+    return ThreadPool::Step::Worked;
 }
 
 Result<void> BandWriter::result() const

@@ -3,9 +3,9 @@
 #include "CIContext.h"
 #include "PixelRect.h"
 #include "RowSink.h"
+#include "ThreadPool.h"
 #include "TilePlanes.h"
 
-#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <vector>
@@ -20,9 +20,9 @@ public:
     BandWriter(const PixelRect& rect, int tileWidth, int tileHeight, int workers, RowSink& sink,
                const CancellationToken* cancellation);
 
-    /// Draws tiles and writes bands until all is done. Run by every worker.
-    void work(const std::function<TilePlanes(const PixelRect&)>& draw);
-    /// After the last worker has returned.
+    /// Draws one tile or writes one band.
+    ThreadPool::Step step(const std::function<TilePlanes(const PixelRect&)>& draw);
+    /// After the last step.
     Result<void> result() const;
     /// Time spent within the sink.
     double sinkMilliseconds() const { return m_sinkMilliseconds; }
@@ -31,6 +31,7 @@ private:
     PixelRect bandRect(int band) const;
     uint8_t* bandMemory(int band) { return m_memory[size_t(band % m_ahead)].data(); }
     void narrow(const TilePlanes& planes, const PixelRect& tile, int band);
+    void writeBand(int band, std::unique_lock<std::mutex>& lock);
 
     PixelRect m_rect;
     int m_tileWidth;
@@ -44,7 +45,6 @@ private:
     int m_ahead; ///< bands in memory at once
 
     std::mutex m_mutex;
-    std::condition_variable m_changed;
     std::vector<std::vector<uint8_t>> m_memory;
     std::vector<int> m_unfinished; ///< tiles still to come, by band
     int m_nextTile = 0;

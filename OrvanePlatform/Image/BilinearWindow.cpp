@@ -45,19 +45,22 @@ BilinearWindow::BilinearWindow(const TilePlanes& planes, TileArena& arena)
 
 void BilinearWindow::sample(const double* xs, const double* ys, int count, const Output& out) const
 {
-    const int width = m_rect.width();
-    const int height = m_rect.height();
+    const double left = m_rect.x0 - 1;
+    const double low = m_rect.y0 - 1;
+    const double right = m_rect.x1;
+    const double high = m_rect.y1;
     for (int i = 0; i < count; ++i) {
-        const double x = xs[i] - 0.5 - m_rect.x0;
-        const double y = ys[i] - 0.5 - m_rect.y0;
+        const double x = xs[i] - 0.5;
+        const double y = ys[i] - 0.5;
         // Written so that what is not a number fails the test.
-        const bool reaches = x > -1 && y > -1 && x < width && y < height;
-        // Adding 1 before and taking it away after makes the truncation a floor.
-        const int x0 = reaches ? int(x + 1) - 1 : -rimBefore;
-        const int y0 = reaches ? int(y + 1) - 1 : -rimBefore;
-        const float u = reaches ? float(x - x0) : 0;
-        const float v = reaches ? float(y - y0) : 0;
-        const Pixel* p = m_origin + y0 * m_stride + x0;
+        const bool reaches = x > left && y > low && x < right && y < high;
+        // The whole pixel first, and only then relative to the planes: the weights must not depend
+        // on where the planes begin.
+        const int floorX = reaches ? int(x) - (x < int(x)) : m_rect.x0 - rimBefore;
+        const int floorY = reaches ? int(y) - (y < int(y)) : m_rect.y0 - rimBefore;
+        const float u = reaches ? float(x - floorX) : 0;
+        const float v = reaches ? float(y - floorY) : 0;
+        const Pixel* p = m_origin + (floorY - m_rect.y0) * m_stride + (floorX - m_rect.x0);
         const Pixel bottom = p[0] + (p[1] - p[0]) * u;
         const Pixel top = p[m_stride] + (p[m_stride + 1] - p[m_stride]) * u;
         const Pixel sampled = bottom + (top - bottom) * v;

@@ -5,7 +5,7 @@
 #include "TiledRenderer.h"
 
 #include <cmath>
-#include <cstring>
+#include <new>
 
 namespace orvane {
 
@@ -50,7 +50,11 @@ struct CIContext::Impl {
                 narrowRow(rows, tile.width(), format, to);
             }
         };
-        return renderer.draw(node, rect, storedFormat(format), options, narrowTile);
+        try {
+            return renderer.draw(node, rect, storedFormat(format), options, narrowTile);
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
     }
 
     Options settings;
@@ -112,8 +116,12 @@ Result<void> CIContext::render(const CIImage& image, const CGRect& rect, RowSink
 {
     if (!isDrawable(rect) || roundedRect(rect).isEmpty())
         return Error{"The image has no finite size, so it cannot be drawn."};
-    return m_impl->renderer.draw(*image.node(), roundedRect(rect), storedFormat(sink.format()),
-                                 options, sink);
+    try {
+        return m_impl->renderer.draw(*image.node(), roundedRect(rect), storedFormat(sink.format()),
+                                     options, sink);
+    } catch (const std::bad_alloc&) {
+        return Error{"There is not enough memory to draw the picture."};
+    }
 }
 
 } // namespace orvane

@@ -11,8 +11,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 #include <random>
+#include <thread>
 
 namespace orvane {
 namespace {
@@ -157,6 +159,24 @@ TEST(Tiles, AnySizeOrderAndNumberOfThreadsGiveTheSameBits)
     }
 }
 
+TEST(Tiles, AWeightedSumOfOnesIsTheSameInsideAndAtTheEdge)
+{
+    // The middle of each lies within opaque pixels, its rim does not.
+    const CIImage opaque = photograph(90, 80);
+    const CIImage cases[] = {
+        CIFilter::gaussianBlur(opaque, 2.15),
+        CIFilter::colorControls(CIFilter::gaussianBlur(opaque, 5), {.saturation = 2}),
+        CIFilter::lanczosScaleTransform(opaque.transformed(CGAffineTransform::rotation(0.3)), 0.6),
+        opaque.transformed(CGAffineTransform::translation(-700.3, -411.7))};
+    for (const CIImage& image : cases) {
+        const auto whole =
+            drawn(image, CIContext({.tileWidth = 400, .tileHeight = 400}), PixelFormat::RGBAFloat);
+        EXPECT_EQ(
+            drawn(image, CIContext({.tileWidth = 7, .tileHeight = 5}), PixelFormat::RGBAFloat),
+            whole);
+    }
+}
+
 TEST(Tiles, AgreeWithTheReference)
 {
     for (const int channels : {3, 4}) {
@@ -279,6 +299,64 @@ TEST(Rows, ComeInOrderAndStopAtAnError)
         const Result<void> refused = context.render(image, image.extent(), few);
         ASSERT_FALSE(refused.ok());
         EXPECT_EQ(refused.error().message, "full");
+    }
+}
+
+/// Lets rows through only once a draw elsewhere is through.
+class HeldRows final : public RowSink {
+public:
+    PixelFormat format() const override { return PixelFormat::RGB8; }
+    Result<void> writeRows(const uint8_t*, int, size_t) override
+    {
+        started.store(true);
+        started.notify_all();
+        released.wait(false);
+        return {};
+    }
+    std::atomic<bool> started = false;
+    std::atomic<bool> released = false;
+};
+
+TEST(Rows, APreviewNeedNotWaitForAnExport)
+{
+    for (const int threads : {1, 2, 4}) {
+        const CIContext context({.threads = threads});
+        const CIImage image = CIFilter::exposureAdjust(photograph(700, 900), 0.3);
+        HeldRows rows;
+        std::thread exporting(
+            [&] { EXPECT_TRUE(context.render(image, image.extent(), rows).ok()); });
+        rows.started.wait(false);
+        // With the export stuck in its sink, this returns only if it gets workers of its own.
+        EXPECT_TRUE(
+            context.createCGImage(everything(photograph(120, 90)), {0, 0, 80, 60}).has_value());
+        rows.released.store(true);
+        rows.released.notify_all();
+        exporting.join();
+    }
+}
+
+TEST(Rows, WhatASinkThrowsReachesTheCallerAlone)
+{
+    class Throwing final : public RowSink {
+    public:
+        PixelFormat format() const override { return PixelFormat::RGB8; }
+        Result<void> writeRows(const uint8_t*, int, size_t) override { throw std::bad_alloc(); }
+    } sink;
+    const CIContext context({.threads = 3});
+    const CIImage image = photograph(300, 500);
+    const Result<void> failed = context.render(image, image.extent(), sink);
+    ASSERT_FALSE(failed.ok());
+    EXPECT_EQ(failed.error().message, "There is not enough memory to draw the picture.");
+    EXPECT_TRUE(context.createCGImage(image, image.extent()).has_value());
+}
+
+TEST(Blur, ARadiusBeyondReasonCostsNoMoreThanAReasonableOne)
+{
+    const CIImage picture = photograph(64, 64);
+    for (const double radius : {1e4, 1e6, 1e12, 1e300}) {
+        const auto pixels = tiled(CIFilter::unsharpMask(picture, radius, 0.5), {0, 0, 64, 64});
+        EXPECT_TRUE(
+            std::all_of(pixels.begin(), pixels.end(), [](float v) { return std::isfinite(v); }));
     }
 }
 

@@ -19,9 +19,17 @@ std::shared_ptr<StoredImage> IntermediateCache::find(const Digest& key, const Pi
 void IntermediateCache::keep(const Digest& key, std::shared_ptr<StoredImage> image)
 {
     const std::lock_guard lock(m_mutex);
+    if (image->byteSize() > m_budget)
+        return;
+    // What the new image covers of the same recipe is of no more use.
+    m_entries.remove_if([&](const Entry& e) {
+        const bool replaced = e.key == key && image->rect().contains(e.image->rect());
+        m_bytes -= replaced ? e.image->byteSize() : 0;
+        return replaced;
+    });
     m_bytes += image->byteSize();
     m_entries.push_front({key, std::move(image)});
-    while (m_bytes > m_budget && !m_entries.empty()) {
+    while (m_bytes > m_budget) {
         m_bytes -= m_entries.back().image->byteSize();
         m_entries.pop_back();
     }

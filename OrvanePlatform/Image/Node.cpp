@@ -39,8 +39,7 @@ namespace {
 template <class... Cases> struct Overload : Cases... {
     using Cases::operator()...;
 };
-template <class... Cases>
-Overload(Cases...) -> Overload<Cases...>;
+template <class... Cases> Overload(Cases...) -> Overload<Cases...>;
 
 void addRect(DigestBuilder& digest, const PixelRect& r)
 {

@@ -50,6 +50,11 @@ struct PixelRect {
 inline constexpr int farAway = 1 << 28;
 
 int heldToInt(double value);
+/// a / b rounded down, for b above 0.
+inline int floorDivided(int a, int b)
+{
+    return a >= 0 ? a / b : -((-a + b - 1) / b);
+}
 /// Edges rounded to the nearest whole pixel.
 PixelRect roundedRect(const CGRect& rect);
 /// Grown to whole pixels; edges within 1e-6 of a whole number count as that number.

@@ -68,7 +68,7 @@ HWY_INLINE Encoded encodedPixels(const float* const planes[4], int i, float step
     Lanes inverse(1.0f);
     if (planes[3]) {
         const Lanes stored = Lanes::load(planes[3] + i);
-        const auto visible = stored > Lanes(0.0f);
+        const auto visible = stored > Lanes(1e-30f);
         alpha = unit(stored);
         inverse = select(visible, Lanes(1.0f) / select(visible, stored, Lanes(1.0f)), Lanes(0.0f));
     }

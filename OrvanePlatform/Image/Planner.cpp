@@ -247,11 +247,10 @@ private:
         return m_whole.insert(input->node->digest).second;
     }
 
-    /// A rectangle to try a tile in: only the last pass's region is known yet.
-    PixelRect extentOrRect(const PlanPass& pass) const
+    /// A rectangle to try a tile in. The picture's, not the one asked for: what is stored must not
+    /// depend on which part of a picture is drawn.
+    static PixelRect extentOrRect(const PlanPass& pass)
     {
-        if (pass.target < 0)
-            return m_rect;
         const Extent& extent = pass.steps.back().node->extent;
         return extent.infinite ? PixelRect{0, 0, 4096, 4096} : extent.rect;
     }
@@ -287,9 +286,7 @@ private:
         const Extent& extent = stored.node->inputs.front()->extent;
         if (const auto* histogram = stored.node->as<HistogramNode>())
             return histogram->region;
-        const float sigma = stored.node->as<GaussianNode>()->sigma;
-        const int border = int(std::ceil(3 * reducedSigma(sigma, stored.factor)));
-        const PixelRect cells = stored.region.grown(border);
+        const PixelRect cells = coarseArea(stored).cells;
         const int f = stored.factor;
         return extent.clipped({cells.x0 * f, cells.y0 * f, cells.x1 * f, cells.y1 * f});
     }
@@ -327,11 +324,6 @@ private:
     std::unordered_map<Digest, bool> m_dependsOnSource;
 };
 
-int floorDivided(int a, int b)
-{
-    return a >= 0 ? a / b : -((-a + b - 1) / b);
-}
-
 } // namespace
 
 int blurReduction(float sigma)
@@ -349,6 +341,28 @@ double reducedSigma(float sigma, int factor)
         (double(sigma) * double(sigma) + 1.0 / 12 - (f * f - 1) / 12 - f * f / 6) / (f * f)
         - 1.0 / 12;
     return std::sqrt(variance);
+}
+
+CoarseArea coarseArea(const StoredPlan& blur)
+{
+    const int f = blur.factor;
+    const double sigma = reducedSigma(blur.node->as<GaussianNode>()->sigma, f);
+    const PixelRect wanted = blur.region.grown(int(std::ceil(3 * sigma)));
+    const Node* input = blur.node->inputs.front().get();
+    const bool clamped = input->as<ClampNode>() != nullptr;
+    const Extent& extent = (clamped ? *input->inputs.front() : *input).extent;
+    if (extent.infinite)
+        return {wanted, CoarseEdges::Transparent};
+    const PixelRect& r = extent.rect;
+    const PixelRect covering{floorDivided(r.x0, f), floorDivided(r.y0, f),
+                             floorDivided(r.x1 - 1, f) + 1, floorDivided(r.y1 - 1, f) + 1};
+    if (!clamped)
+        return {wanted.intersection(covering), CoarseEdges::Transparent};
+    // A cell beyond the picture's edge cells averages repeats of one row or column of pixels, and
+    // so do all cells beyond it: one ring of them stands for the rest.
+    const PixelRect ring = covering.grown(1);
+    const PixelRect cells = wanted.intersection(ring);
+    return {cells.isEmpty() ? ring : cells, CoarseEdges::Repeated};
 }
 
 PixelRect reducedCells(const PixelRect& rect, int factor)

@@ -2,6 +2,7 @@
 
 #include "Node.h"
 #include "PixelRect.h"
+#include "ReducedBlur.h"
 
 #include <vector>
 
@@ -49,6 +50,12 @@ int blurReduction(float sigma);
 /// The sigma to use on the grid reduced by `factor`: the wanted variance less what averaging cells
 /// and bilinear enlargement add by themselves.
 double reducedSigma(float sigma, int factor);
+/// Which cells of a reduced blur's input are drawn, and what lies around them.
+struct CoarseArea {
+    PixelRect cells;
+    CoarseEdges edges = CoarseEdges::Transparent;
+};
+CoarseArea coarseArea(const StoredPlan& blur);
 /// The cells that bilinear reads of `rect` touch.
 PixelRect reducedCells(const PixelRect& rect, int factor);
 

@@ -104,7 +104,8 @@ HWY_INLINE void runPointwise(const void* record, const float* table, const Point
         const Place<L> place{L::ramp(float(row.x + i) + 0.5f), y};
         Pixel<L> out;
         if constexpr (Kernel::straight && !Opaque) {
-            const auto visible = in[0].a > zero;
+            // Below that, 1 / alpha is no number any more.
+            const auto visible = in[0].a > L(1e-30f);
             const L alpha = in[0].a;
             const L inverse = one / select(visible, alpha, one);
             in[0].r = select(visible, in[0].r * inverse, zero);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace orvane {
 
@@ -37,8 +38,43 @@ void averageCells(const TilePlanes& planes, const PixelRect& cells, int factor, 
     }
 }
 
+namespace {
+
+/// Rows handed out at a time.
+constexpr int rowsAtOnce = 16;
+
+void forEachRow(ThreadPool& pool, int rows, const std::function<void(int row)>& body)
+{
+    pool.forEach((rows + rowsAtOnce - 1) / rowsAtOnce, [&](int block, int) {
+        for (int row = block * rowsAtOnce; row < std::min(rows, (block + 1) * rowsAtOnce); ++row)
+            body(row);
+    });
+}
+
+/// Cells [first, last) of a row, with what lies around the image.
+void copyCells(const StoredImage& coarse, int channel, int y, int first, int last,
+               CoarseEdges edges, float* to)
+{
+    const PixelRect& held = coarse.rect();
+    const bool repeated = edges == CoarseEdges::Repeated;
+    if (!repeated && (y < held.y0 || y >= held.y1)) {
+        std::fill_n(to, last - first, 0.0f);
+        return;
+    }
+    const float* row = coarse.floatRow(channel, std::clamp(y, held.y0, held.y1 - 1)) - held.x0;
+    const int inner = std::clamp(held.x0, first, last);
+    const int outer = std::clamp(held.x1, inner, last);
+    std::fill(to, to + (inner - first), repeated ? row[held.x0] : 0.0f);
+    if (outer > inner)
+        std::copy(row + inner, row + outer, to + (inner - first));
+    std::fill(to + (outer - first), to + (last - first), repeated ? row[held.x1 - 1] : 0.0f);
+}
+
+} // namespace
+
 std::shared_ptr<StoredImage> blurredCells(const StoredImage& coarse, double sigma,
-                                          const PixelRect& region, ThreadPool& pool)
+                                          const PixelRect& region, CoarseEdges edges,
+                                          ThreadPool& pool)
 {
     const std::vector<double> exact = gaussianWeights(sigma);
     const std::vector<float> weights(exact.begin(), exact.end());
@@ -47,26 +83,17 @@ std::shared_ptr<StoredImage> blurredCells(const StoredImage& coarse, double sigm
     StoredImage across(tall, coarse.opaque(), StoredFormat::Float);
     auto result = std::make_shared<StoredImage>(region, coarse.opaque(), StoredFormat::Float);
     const int channels = coarse.opaque() ? 3 : 4;
-    const PixelRect& held = coarse.rect();
-    const PixelRect window{region.x0 - reach, 0, region.x1 + reach, 1};
-    pool.forEach(tall.height(), [&](int index, int) {
+    forEachRow(pool, tall.height(), [&](int index) {
         const int y = tall.y0 + index;
-        std::vector<float> row(size_t(window.width()) + 4 * rowPadding);
+        // Whole vectors are read past the end of a row.
+        std::vector<float> row(size_t(region.width() + 2 * reach + 4 * rowPadding));
         for (int c = 0; c < channels; ++c) {
-            float* to = across.floatRow(c, y);
-            if (y < held.y0 || y >= held.y1) {
-                std::fill_n(to, region.width(), 0.0f);
-                continue;
-            }
-            const int first = std::max(held.x0, window.x0);
-            const int last = std::min(held.x1, window.x1);
-            if (last > first)
-                std::copy_n(coarse.floatRow(c, y) + (first - held.x0), last - first,
-                            row.data() + (first - window.x0));
-            convolveAcross(row.data() + reach, to, region.width(), weights.data(), reach);
+            copyCells(coarse, c, y, region.x0 - reach, region.x1 + reach, edges, row.data());
+            convolveAcross(row.data() + reach, across.floatRow(c, y), region.width(),
+                           weights.data(), reach);
         }
     });
-    pool.forEach(region.height(), [&](int index, int) {
+    forEachRow(pool, region.height(), [&](int index) {
         const int y = region.y0 + index;
         for (int c = 0; c < channels; ++c)
             convolveDown(across.floatRow(c, y), across.stride(), result->floatRow(c, y),
@@ -81,10 +108,7 @@ TilePlanes enlargedBlur(const StoredImage& coarse, int factor, const PixelRect& 
     TilePlanes out = arena.planes(rect, coarse.opaque());
     const PixelRect& held = coarse.rect();
     const int half = factor / 2;
-    const auto cellBelow = [&](int position) {
-        const int shifted = position - half;
-        return shifted >= 0 ? shifted / factor : -((-shifted + factor - 1) / factor);
-    };
+    const auto cellBelow = [&](int position) { return floorDivided(position - half, factor); };
     const int firstCell = cellBelow(rect.x0);
     const int lastCell = cellBelow(rect.x1 - 1) + 1;
     float* blended = arena.floats(size_t(lastCell - firstCell + 1));

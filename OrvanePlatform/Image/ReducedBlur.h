@@ -11,10 +11,13 @@ namespace orvane {
 void averageCells(const TilePlanes& planes, const PixelRect& cells, int factor, StoredImage& coarse,
                   TileArena& arena);
 
-/// The coarse image blurred by `sigma` cells over `region`; zeros around what `coarse` holds. Empty
-/// when cancelled.
+/// What lies around the cells of a coarse image.
+enum class CoarseEdges { Transparent, Repeated };
+
+/// The coarse image blurred by `sigma` cells over `region`.
 std::shared_ptr<StoredImage> blurredCells(const StoredImage& coarse, double sigma,
-                                          const PixelRect& region, ThreadPool& pool);
+                                          const PixelRect& region, CoarseEdges edges,
+                                          ThreadPool& pool);
 
 /// Full-size pixels of a blur from its coarse image, bilinear between the cells' centres.
 TilePlanes enlargedBlur(const StoredImage& coarse, int factor, const PixelRect& rect,

@@ -99,6 +99,11 @@ private:
         }
         return 0;
     }
+    static float tableValue(const std::vector<float>& table, float position)
+    {
+        const size_t below = std::min(size_t(position), table.size() - 2);
+        return table[below] + (table[below + 1] - table[below]) * (position - float(below));
+    }
     static void readPixel(const Bitmap& bitmap, int x, int row, float* pixel)
     {
         const bool grey = bitmap.channels() < 3;
@@ -115,7 +120,9 @@ private:
             if (whole) {
                 const auto& table = bitmap.conversion.curves[size_t(grey ? 0 : c)];
                 v = std::min(v, 1.0f);
-                v = table ? (*table)[size_t(v * steps + 0.5f)] : decodedSrgb(v);
+                v = table || multiplied
+                    ? tableValue(*(table ? table : srgbDecodingTable(bitmap.type())), v * steps)
+                    : decodedSrgb(v);
             }
             rgb[c] = v;
         }
@@ -125,7 +132,7 @@ private:
             const float v = row3 ? row3[0] * rgb[0] + row3[1] * rgb[1] + row3[2] * rgb[2] : rgb[c];
             pixel[c] = std::isfinite(v) ? v * alpha : 0.0f;
         }
-        pixel[3] = alpha;
+        pixel[3] = std::isfinite(alpha) ? alpha : 0.0f;
     }
 
     void drawInto(FloatImage& out, const Node& node, const PointwiseNode& n, const PixelRect& r)

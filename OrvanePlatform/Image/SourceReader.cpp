@@ -37,21 +37,23 @@ void widenTable(const Sample* from, const float* const tables[3], const RowTarge
     }
 }
 
-/// Premultiplied samples: the colour is divided by alpha as stored, then goes through the table.
+/// Premultiplied samples: the colour is divided by alpha as stored, then goes through the table,
+/// between whose entries it may fall.
 template <class Sample, int Channels>
 void widenPremultiplied(const Sample* from, const float* const tables[3], const RowTarget& to)
 {
     constexpr int top = sizeof(Sample) == 1 ? 255 : 65535;
     for (int i = 0; i < to.count; ++i) {
         const Sample* pixel = from + i * Channels;
-        const int alpha = pixel[Channels - 1];
-        to.alpha[i] = float(alpha) / float(top);
+        const auto alpha = float(pixel[Channels - 1]);
+        to.alpha[i] = alpha * (1 / float(top));
         for (int c = 0; c < 3; ++c) {
-            const int stored = pixel[Channels < 3 ? 0 : c];
-            const int straight = alpha > 0
-                ? int(std::min<int64_t>(top, (int64_t(stored) * top + alpha / 2) / alpha))
-                : 0;
-            to.rgb[c][i] = tables[Channels < 3 ? 0 : c][straight];
+            const float* table = tables[Channels < 3 ? 0 : c];
+            const auto stored = float(pixel[Channels < 3 ? 0 : c]);
+            const float position = alpha > 0 ? std::min(1.0f, stored / alpha) * float(top) : 0;
+            const int below = std::min(int(position), top - 1);
+            to.rgb[c][i] =
+                table[below] + (table[below + 1] - table[below]) * (position - float(below));
         }
     }
 }
@@ -95,7 +97,7 @@ template <class Load> void widenLinear(const Bitmap& bitmap, Load&& load, const 
             to.rgb[c][i] = std::isfinite(v) ? v : 0.0f;
         }
         if (to.alpha)
-            to.alpha[i] = alpha;
+            to.alpha[i] = std::isfinite(alpha) ? alpha : 0.0f;
     }
 }
 

@@ -8,8 +8,8 @@ namespace orvane {
 ThreadPool::ThreadPool(int workers)
 {
     const int count = workers > 0 ? workers : std::max(1, int(std::thread::hardware_concurrency()));
-    for (int i = 1; i < count; ++i)
-        m_threads.emplace_back([this, i] { serve(i); });
+    for (int slot = 1; slot < count; ++slot)
+        m_threads.emplace_back([this, slot] { serve(slot); });
 }
 
 ThreadPool::~ThreadPool()
@@ -23,46 +23,74 @@ ThreadPool::~ThreadPool()
         thread.join();
 }
 
-void ThreadPool::serve(int worker)
+ThreadPool::Step ThreadPool::doStep(Running& running, int slot, std::unique_lock<std::mutex>& lock)
 {
-    uint64_t seen = 0;
+    if (running.finished)
+        return Step::Finished;
+    ++running.underWay;
+    lock.unlock();
+    Step step = Step::Finished;
+    std::exception_ptr failure;
+    try {
+        step = (*running.job)(slot);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    lock.lock();
+    --running.underWay;
+    if (failure && !running.failure)
+        running.failure = failure;
+    running.finished = running.finished || step == Step::Finished;
+    if (step != Step::Waiting || running.finished) {
+        ++m_changes;
+        m_changed.notify_all();
+    }
+    return step;
+}
+
+void ThreadPool::serve(int slot)
+{
     std::unique_lock lock(m_mutex);
-    for (;;) {
-        m_changed.wait(lock, [&] { return m_stopping || m_round != seen; });
-        if (m_stopping)
-            return;
-        seen = m_round;
-        const auto* body = m_body;
-        lock.unlock();
-        (*body)(worker);
-        lock.lock();
-        if (--m_running == 0)
-            m_changed.notify_all();
+    while (!m_stopping) {
+        const uint64_t seen = m_changes;
+        // A copy: the list may change while a step is under way.
+        const std::vector<std::shared_ptr<Running>> jobs = m_jobs;
+        const bool worked = std::any_of(jobs.rbegin(), jobs.rend(), [&](const auto& running) {
+            return doStep(*running, slot, lock) == Step::Worked;
+        });
+        if (!worked)
+            m_changed.wait(lock, [&] { return m_stopping || m_changes != seen; });
     }
 }
 
-void ThreadPool::runOnAll(const std::function<void(int)>& body)
+void ThreadPool::run(const Job& job)
 {
-    const std::lock_guard callers(m_callers);
-    {
-        const std::lock_guard lock(m_mutex);
-        m_body = &body;
-        m_running = int(m_threads.size());
-        ++m_round;
-    }
-    m_changed.notify_all();
-    body(0);
+    const auto running = std::make_shared<Running>();
+    running->job = &job;
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [&] { return m_running == 0; });
-    m_body = nullptr;
+    m_jobs.push_back(running);
+    ++m_changes;
+    m_changed.notify_all();
+    while (!running->finished) {
+        const uint64_t seen = m_changes;
+        if (doStep(*running, 0, lock) == Step::Waiting)
+            m_changed.wait(lock, [&] { return running->finished || m_changes != seen; });
+    }
+    m_jobs.erase(std::find(m_jobs.begin(), m_jobs.end(), running));
+    m_changed.wait(lock, [&] { return running->underWay == 0; });
+    if (running->failure)
+        std::rethrow_exception(running->failure);
 }
 
 void ThreadPool::forEach(int count, const std::function<void(int, int)>& body)
 {
     std::atomic<int> next = 0;
-    runOnAll([&](int worker) {
-        for (int i = next.fetch_add(1); i < count; i = next.fetch_add(1))
-            body(i, worker);
+    run([&](int slot) {
+        const int index = next.fetch_add(1);
+        if (index >= count)
+            return Step::Finished;
+        body(index, slot);
+        return Step::Worked;
     });
 }
 

@@ -1,41 +1,60 @@
 #pragma once
 
 #include <condition_variable>
+#include <exception>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
 
 namespace orvane {
 
-/// A fixed set of threads that run one body together. The calling thread takes part, so a pool of
-/// one starts no thread at all. Calls from several threads run one after another.
+/// A fixed set of threads that take part in jobs, one small step at a time, the newest job first: a
+/// preview that is asked for during an export is drawn at once, and the export goes on after it on
+/// the thread that asked for it.
 class ThreadPool {
 public:
-    /// 0: as many workers as the machine has processors.
+    enum class Step {
+        Worked, ///< there may be more
+        Waiting, ///< nothing to do until another step of the job is through
+        Finished, ///< no step will find anything to do any more
+    };
+    /// Does one step. Called from several threads at once, each with a slot of its own, 0 ..
+    /// slots() - 1.
+    using Job = std::function<Step(int slot)>;
+
+    /// 0: as many workers as the machine has processors. The thread that runs a job is one of its
+    /// workers, so a pool of one starts no thread at all.
     explicit ThreadPool(int workers);
     ~ThreadPool();
     ThreadPool(const ThreadPool&) = delete;
     ThreadPool& operator=(const ThreadPool&) = delete;
 
-    int workers() const { return int(m_threads.size()) + 1; }
+    int slots() const { return int(m_threads.size()) + 1; }
 
-    /// Runs body(worker) once on each worker, worker in 0 .. workers() - 1; returns when all are
-    /// done.
-    void runOnAll(const std::function<void(int)>& body);
-    /// Runs body(index, worker) for every index below count, handed out in order.
+    /// Returns when a step has said Finished and every other one under way is through. What a step
+    /// throws ends the job and is thrown here.
+    void run(const Job& job);
+    /// body(index, slot) for every index below count, handed out in order.
     void forEach(int count, const std::function<void(int, int)>& body);
 
 private:
-    void serve(int worker);
+    struct Running {
+        const Job* job = nullptr;
+        int underWay = 0;
+        bool finished = false;
+        std::exception_ptr failure;
+    };
+
+    Step doStep(Running& running, int slot, std::unique_lock<std::mutex>& lock);
+    void serve(int slot);
 
     std::vector<std::thread> m_threads;
-    std::mutex m_callers;
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    const std::function<void(int)>* m_body = nullptr;
-    uint64_t m_round = 0;
-    int m_running = 0;
+    std::vector<std::shared_ptr<Running>> m_jobs; ///< the newest last
+    uint64_t m_changes = 0; ///< counts what may have given a waiting thread something to do
     bool m_stopping = false;
 };
 

@@ -129,6 +129,15 @@ TilePlanes TileEvaluator::input(const PlanStep& step, size_t n, const PixelRect&
     return coveringPlanes(drawn.empty ? TilePlanes{} : drawn.planes, rect, m_arena);
 }
 
+/// For weighted sums. Whether alpha is summed must follow from the recipe, not from the tile: a sum
+/// of ones is 1 only to within rounding.
+TilePlanes TileEvaluator::withRecipesAlpha(const PlanStep& step, TilePlanes planes)
+{
+    if (!step.node->opaque)
+        addOpaqueAlpha(planes, m_arena);
+    return planes;
+}
+
 TilePlanes TileEvaluator::drawStored(const PlanStep& step, const PixelRect& rect)
 {
     const auto index = size_t(step.stored);
@@ -300,7 +309,7 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Gau
 {
     const int reach = gaussianBorder(node.sigma);
     const PixelRect window = rect.grown(reach);
-    const TilePlanes from = input(step, 0, window);
+    const TilePlanes from = withRecipesAlpha(step, input(step, 0, window));
     const std::vector<float>& weights = m_tables.steps[index].blur;
     const PixelRect tall{rect.x0, window.y0, rect.x1, window.y1};
     TilePlanes across = m_arena.planes(tall, from.opaque());
@@ -327,8 +336,8 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Lan
     const PixelRect wanted{firstOf(across, rect.x0), firstOf(down, rect.y0),
                            firstOf(across, rect.x1 - 1) + across.width,
                            firstOf(down, rect.y1 - 1) + down.width};
-    const TilePlanes from =
-        edgeRepeatedPlanes(m_drawn[size_t(step.inputs[0])].planes, wanted, m_arena);
+    const TilePlanes from = withRecipesAlpha(
+        step, edgeRepeatedPlanes(m_drawn[size_t(step.inputs[0])].planes, wanted, m_arena));
     TilePlanes tall = m_arena.planes({wanted.x0, rect.y0, wanted.x1, rect.y1}, from.opaque());
     TilePlanes out = m_arena.planes(rect, from.opaque());
     for (int c = 0; c < from.channels(); ++c) {
@@ -359,8 +368,10 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Lan
 TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WindowNode& node,
                                    const PixelRect& rect)
 {
-    const TilePlanes from = edgeRepeatedPlanes(m_drawn[size_t(step.inputs[0])].planes,
-                                               rect.grown(node.border), m_arena);
+    const TilePlanes from =
+        withRecipesAlpha(step,
+                         edgeRepeatedPlanes(m_drawn[size_t(step.inputs[0])].planes,
+                                            rect.grown(node.border), m_arena));
     TilePlanes out = m_arena.planes(rect, from.opaque());
     WindowBlock block{.width = rect.width(),
                       .height = rect.height(),

@@ -49,6 +49,7 @@ private:
 
     void drawStep(size_t index);
     TilePlanes input(const PlanStep& step, size_t n, const PixelRect& rect);
+    TilePlanes withRecipesAlpha(const PlanStep& step, TilePlanes planes);
     int decidingInput(const PlanStep& step, Cover cover) const;
     TilePlanes passedOn(size_t index, size_t from, const PixelRect& rect);
 

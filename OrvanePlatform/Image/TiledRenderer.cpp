@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <memory>
 #include <random>
 
 namespace orvane {
@@ -23,13 +24,20 @@ struct TiledRenderer::Drawing {
     }
 
     bool cancelled() const { return options.cancellation && options.cancellation->isCancelled(); }
-    Digest key(const StoredPlan& planned) const
+    /// What a stored image's samples follow from: its recipe, and which of the images it was drawn
+    /// from were stored, and so rounded, themselves.
+    Digest key(size_t index) const
     {
-        return DigestBuilder()
-            .add(planned.node->digest)
-            .add(uint64_t(planned.form))
-            .add(uint64_t(format))
-            .digest();
+        const StoredPlan& planned = plan.stored[index];
+        DigestBuilder digest;
+        digest.add(planned.node->digest).add(uint64_t(planned.form)).add(uint64_t(format));
+        for (const PlanPass& pass : plan.passes) {
+            for (const PlanStep& step : pass.steps) {
+                if (pass.target == int(index) && step.stored >= 0)
+                    digest.add(key(size_t(step.stored)));
+            }
+        }
+        return digest.digest();
     }
     void report()
     {
@@ -76,21 +84,34 @@ std::vector<PixelRect> tilesOf(const PixelRect& region, int width, int height, u
 
 } // namespace
 
-bool TiledRenderer::drawPass(Drawing& drawing, const PlanPass& pass, const TileTarget& target) const
+void TiledRenderer::drawTiles(
+    Drawing& drawing, const PlanPass& pass, const std::vector<PixelRect>& tiles,
+    const std::function<void(TileEvaluator&, const PixelRect&)>& body) const
 {
     const PassTables tables = makePassTables(pass);
-    const auto tiles =
-        tilesOf(pass.region, pass.tileWidth, pass.tileHeight, m_settings.shuffleSeed);
+    std::vector<std::unique_ptr<TileEvaluator>> evaluators(size_t(m_pool.slots()));
     std::atomic<size_t> next = 0;
-    m_pool.runOnAll([&](int) {
-        TileEvaluator evaluator(pass, drawing.plan.stored, drawing.stored, tables);
-        for (size_t i = next.fetch_add(1); i < tiles.size(); i = next.fetch_add(1)) {
-            if (drawing.cancelled())
-                return;
-            target(evaluator.draw(tiles[i]), tiles[i]);
-        }
+    m_pool.run([&](int slot) {
+        const size_t index = next.fetch_add(1);
+        if (index >= tiles.size() || drawing.cancelled())
+            return ThreadPool::Step::Finished;
+        auto& evaluator = evaluators[size_t(slot)];
+        if (!evaluator)
+            evaluator =
+                std::make_unique<TileEvaluator>(pass, drawing.plan.stored, drawing.stored, tables);
+        body(*evaluator, tiles[index]);
+        return ThreadPool::Step::Worked;
     });
     ++drawing.statistics.passes;
+}
+
+bool TiledRenderer::drawPass(Drawing& drawing, const PlanPass& pass, const TileTarget& target) const
+{
+    const auto tiles =
+        tilesOf(pass.region, pass.tileWidth, pass.tileHeight, m_settings.shuffleSeed);
+    drawTiles(drawing, pass, tiles, [&](TileEvaluator& evaluator, const PixelRect& tile) {
+        target(evaluator.draw(tile), tile);
+    });
     return !drawing.cancelled();
 }
 
@@ -110,29 +131,19 @@ bool TiledRenderer::fillReducedBlur(Drawing& drawing, const PlanPass& pass) cons
 {
     const StoredPlan& planned = drawing.plan.stored[size_t(pass.target)];
     const int f = planned.factor;
-    const double sigma = reducedSigma(planned.node->as<GaussianNode>()->sigma, f);
-    const PixelRect cells = planned.region.grown(int(std::ceil(3 * sigma)));
-    StoredImage coarse(cells, planned.node->opaque, StoredFormat::Float);
-    const auto tiles = tilesOf(cells, std::max(1, pass.tileWidth / f),
+    const CoarseArea area = coarseArea(planned);
+    StoredImage coarse(area.cells, planned.node->opaque, StoredFormat::Float);
+    const auto tiles = tilesOf(area.cells, std::max(1, pass.tileWidth / f),
                                std::max(1, pass.tileHeight / f), m_settings.shuffleSeed);
-    const PassTables tables = makePassTables(pass);
-    std::atomic<size_t> next = 0;
-    m_pool.runOnAll([&](int) {
-        TileEvaluator evaluator(pass, drawing.plan.stored, drawing.stored, tables);
+    drawTiles(drawing, pass, tiles, [&](TileEvaluator& evaluator, const PixelRect& t) {
         TileArena arena;
-        for (size_t i = next.fetch_add(1); i < tiles.size(); i = next.fetch_add(1)) {
-            if (drawing.cancelled())
-                return;
-            arena.reset();
-            const PixelRect& t = tiles[i];
-            averageCells(evaluator.draw({t.x0 * f, t.y0 * f, t.x1 * f, t.y1 * f}), t, f, coarse,
-                         arena);
-        }
+        averageCells(evaluator.draw({t.x0 * f, t.y0 * f, t.x1 * f, t.y1 * f}), t, f, coarse, arena);
     });
-    ++drawing.statistics.passes;
     if (drawing.cancelled())
         return false;
-    drawing.stored[size_t(pass.target)] = blurredCells(coarse, sigma, planned.region, m_pool);
+    const double sigma = reducedSigma(planned.node->as<GaussianNode>()->sigma, f);
+    drawing.stored[size_t(pass.target)] =
+        blurredCells(coarse, sigma, planned.region, area.edges, m_pool);
     drawing.noteMemory();
     return !drawing.cancelled();
 }
@@ -187,7 +198,7 @@ bool TiledRenderer::drawStored(Drawing& drawing) const
             const StoredPlan& planned = plan.stored[size_t(step.stored)];
             if (drawing.options.keepIntermediates) {
                 auto& kept = drawing.stored[size_t(step.stored)];
-                kept = m_cache.find(drawing.key(planned), planned.region);
+                kept = m_cache.find(drawing.key(size_t(step.stored)), planned.region);
                 if (kept) {
                     ++drawing.statistics.reusedImages;
                     continue;
@@ -211,7 +222,7 @@ bool TiledRenderer::drawStored(Drawing& drawing) const
             return false;
         ++drawing.statistics.storedImages;
         if (drawing.options.keepIntermediates)
-            m_cache.keep(drawing.key(planned), drawing.stored[size_t(pass.target)]);
+            m_cache.keep(drawing.key(size_t(pass.target)), drawing.stored[size_t(pass.target)]);
         for (size_t i = 0; i < plan.stored.size(); ++i) {
             if (plan.stored[i].lastReader == int(p))
                 drawing.stored[i].reset();
@@ -234,15 +245,21 @@ Result<void> TiledRenderer::draw(const Node& root, const PixelRect& rect, Stored
                                  const DrawOptions& options, RowSink& sink) const
 {
     Drawing drawing(root, rect, format, options, m_settings);
-    if (!drawStored(drawing))
+    if (!drawStored(drawing)) {
+        drawing.report();
         return Error{"Cancelled."};
+    }
     const PlanPass& pass = drawing.plan.passes.back();
     const PassTables tables = makePassTables(pass);
-    BandWriter bands(rect, pass.tileWidth, pass.tileHeight, m_pool.workers(), sink,
+    BandWriter bands(rect, pass.tileWidth, pass.tileHeight, m_pool.slots(), sink,
                      options.cancellation);
-    m_pool.runOnAll([&](int) {
-        TileEvaluator evaluator(pass, drawing.plan.stored, drawing.stored, tables);
-        bands.work([&](const PixelRect& tile) { return evaluator.draw(tile); });
+    std::vector<std::unique_ptr<TileEvaluator>> evaluators(size_t(m_pool.slots()));
+    m_pool.run([&](int slot) {
+        auto& evaluator = evaluators[size_t(slot)];
+        if (!evaluator)
+            evaluator =
+                std::make_unique<TileEvaluator>(pass, drawing.plan.stored, drawing.stored, tables);
+        return bands.step([&](const PixelRect& tile) { return evaluator->draw(tile); });
     });
     ++drawing.statistics.passes;
     drawing.statistics.sinkMilliseconds = bands.sinkMilliseconds();

@@ -5,6 +5,7 @@
 #include "Planner.h"
 #include "StoredImage.h"
 #include "ThreadPool.h"
+#include "TileEvaluator.h"
 
 #include <functional>
 
@@ -35,6 +36,8 @@ private:
     struct Drawing;
 
     bool drawStored(Drawing& drawing) const;
+    void drawTiles(Drawing& drawing, const PlanPass& pass, const std::vector<PixelRect>& tiles,
+                   const std::function<void(TileEvaluator&, const PixelRect&)>& body) const;
     bool drawPass(Drawing& drawing, const PlanPass& pass, const TileTarget& target) const;
     bool fillWhole(Drawing& drawing, const PlanPass& pass) const;
     bool fillReducedBlur(Drawing& drawing, const PlanPass& pass) const;

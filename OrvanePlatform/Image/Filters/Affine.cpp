@@ -2,10 +2,9 @@
 // with pixel centres at +0.5; outside the input is transparent. Where the transform reduces, the
 // input is first halved by 2x2 averages while the remaining scale is below 2^-1.2.
 
-#include "Node.h"
-#include "PixelKernels.h"
+#include "Filters/Affine.h"
 
-#include "CIImage.h"
+#include "PixelKernels.h"
 
 #include <cmath>
 
@@ -57,7 +56,7 @@ NodePtr halved(const NodePtr& input, CGAffineTransform& transform)
 CIImage affineWarp(const NodePtr& input, const CGAffineTransform& transform)
 {
     double scale = std::sqrt(std::abs(transform.determinant()));
-    if (!(scale > 1e-9))
+    if (!(scale > 1e-5))
         return CIImage();
     const Extent extent = input->extent.infinite
         ? input->extent

@@ -84,6 +84,7 @@ HWY_AFTER_NAMESPACE();
 
 #include "Filters/CIFilter.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace orvane {
@@ -93,6 +94,18 @@ ORVANE_KERNEL(bloomKernel, Bloom, "bloom");
 ORVANE_KERNEL(variableBlurKernel, VariableBlur, "maskedVariableBlur");
 
 namespace {
+
+/// Beyond a few times the picture's size a blur is one colour; a radius comes unchecked from an
+/// edit file, and must not cost what it says.
+float largestUsefulSigma(const Node& node)
+{
+    const Node& picture = node.as<ClampNode>() ? *node.inputs.front() : node;
+    constexpr float largest = 4096;
+    if (picture.extent.infinite)
+        return largest;
+    const PixelRect& r = picture.extent.rect;
+    return std::min(largest, 4 * float(std::max(r.width(), r.height())));
+}
 
 /// The blur with the input's edges continued, over the input's own extent.
 CIImage blurWithin(const CIImage& input, double radius)
@@ -104,10 +117,10 @@ CIImage blurWithin(const CIImage& input, double radius)
 
 CIImage CIFilter::gaussianBlur(const CIImage& input, double radius)
 {
-    const auto sigma = float(radius);
-    if (!(sigma > 0) || !std::isfinite(sigma) || input.isEmpty())
+    if (!(float(radius) > 0) || !std::isfinite(radius) || input.isEmpty())
         return input;
     const NodePtr& node = input.node();
+    const float sigma = std::min(float(radius), largestUsefulSigma(*node));
     const Extent extent = node->extent.infinite
         ? node->extent
         : Extent::of(node->extent.rect.grown(gaussianBorder(sigma)));

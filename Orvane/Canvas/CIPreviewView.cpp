@@ -32,7 +32,7 @@ CIPreviewView::CIPreviewView(QThreadPool& pool, QWidget* parent)
     setAttribute(Qt::WA_InputMethodEnabled, false);
     setMinimumSize(320, 240);
     setAccessibleName(tr("Picture"));
-    connect(&m_scheduler, &RenderScheduler::rendered, this, &CIPreviewView::show);
+    connect(&m_scheduler, &RenderScheduler::rendered, this, &CIPreviewView::take);
 }
 
 void CIPreviewView::setContent(const CanvasContent& content)
@@ -42,7 +42,7 @@ void CIPreviewView::setContent(const CanvasContent& content)
     if (isNewSource) {
         // Until its first picture is there: the old one would be taken for the new.
         m_scheduler.clear();
-        show({});
+        take({});
         setView(1, {});
     }
     if (content.isEmpty())
@@ -62,7 +62,7 @@ void CIPreviewView::setMessage(const QString& message)
     update();
 }
 
-void CIPreviewView::show(const RenderedPicture& picture)
+void CIPreviewView::take(const RenderedPicture& picture)
 {
     m_picture.set(picture);
     m_view.frame = m_picture.frame();
@@ -108,7 +108,7 @@ void CIPreviewView::setView(double zoom, const CGPoint& pan)
     updateCursor();
     update();
     if (changes)
-        Q_EMIT zoomChanged(zoom);
+        Q_EMIT scaleChanged();
 }
 
 bool CIPreviewView::event(QEvent* event)
@@ -159,6 +159,7 @@ void CIPreviewView::resizeEvent(QResizeEvent*)
 {
     m_view.size = {double(width()), double(height())};
     m_view.pan = heldPan(m_view);
+    Q_EMIT scaleChanged();
 }
 
 void CIPreviewView::wheelEvent(QWheelEvent* event)

@@ -34,7 +34,8 @@ public:
     const CanvasView& mapping() const { return m_view; }
 
 Q_SIGNALS:
-    void zoomChanged(double zoom);
+    /// The zoom or the view's size is another.
+    void scaleChanged();
     /// A picture has been painted on screen, not merely rendered.
     void picturePainted();
 
@@ -49,7 +50,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    void show(const RenderedPicture& picture);
+    void take(const RenderedPicture& picture);
     void setZoom(double zoom, const CGPoint& around);
     void setView(double zoom, const CGPoint& pan);
     bool pinch(const QNativeGestureEvent& gesture);

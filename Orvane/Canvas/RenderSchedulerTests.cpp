@@ -142,10 +142,3 @@ TEST(RenderKeyTest, HoldsWhatChangesThePictureAndOnlyThat)
 
 } // namespace
 } // namespace orvane
-
-int main(int argc, char** argv)
-{
-    const QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

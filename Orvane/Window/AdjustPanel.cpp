@@ -93,7 +93,7 @@ AdjustPanel::AdjustPanel(QWidget* parent)
     setWidget(content);
 }
 
-void AdjustPanel::show(const EditState& state)
+void AdjustPanel::showState(const EditState& state)
 {
     for (const auto& [key, row] : m_rows) {
         const QSignalBlocker quiet(row);

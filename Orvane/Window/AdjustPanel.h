@@ -19,7 +19,7 @@ public:
     explicit AdjustPanel(QWidget* parent = nullptr);
 
     /// Moves the sliders to an edit, without telling of it.
-    void show(const EditState& state);
+    void showState(const EditState& state);
     /// The row of a slider that the panel shows.
     SliderRow& row(const std::string& key) { return *m_rows.at(key); }
 

@@ -79,7 +79,7 @@ MainWindow::MainWindow(QThreadPool& pool, Panels& panels)
     resize(1280, 800);
 
     connect(m_panel, &AdjustPanel::adjusted, this, &MainWindow::setAdjust);
-    connect(m_canvas, &CIPreviewView::zoomChanged, this, &MainWindow::showStatus);
+    connect(m_canvas, &CIPreviewView::scaleChanged, this, &MainWindow::showStatus);
     connect(m_canvas, &CIPreviewView::picturePainted, this, &MainWindow::showStatus);
     connect(m_canvas, &CIPreviewView::picturePainted, this, &MainWindow::firstPicturePainted,
             Qt::SingleShotConnection);
@@ -274,7 +274,7 @@ void MainWindow::take(const PictureOpening& opening)
                                   .arg(opening.unopened + 1)
                                   .toStdString();
         ++m_sourceVersion;
-        m_panel->show(m_state);
+        m_panel->showState(m_state);
         m_panel->setEnabled(true);
         setWindowTitle(textFromPath(m_picture->path.filename()) + " — Orvane");
         m_column->setCurrentWidget(m_canvas);

@@ -66,14 +66,14 @@ std::optional<std::filesystem::path> QtPanels::exportTarget(const std::string& s
 
 void QtPanels::alert(const QString& message, const QString& informative)
 {
-    QMessageBox box(QMessageBox::Warning, QString(), message, QMessageBox::Ok, m_window);
+    QMessageBox box(QMessageBox::NoIcon, QString(), message, QMessageBox::Ok, m_window);
     box.setInformativeText(informative);
     box.exec();
 }
 
 bool QtPanels::confirm(const QString& message, const QString& informative, const QString& action)
 {
-    QMessageBox box(QMessageBox::Warning, QString(), message, QMessageBox::Cancel, m_window);
+    QMessageBox box(QMessageBox::NoIcon, QString(), message, QMessageBox::Cancel, m_window);
     box.setInformativeText(informative);
     const auto* agree = box.addButton(action, QMessageBox::AcceptRole);
     box.exec();

@@ -52,6 +52,7 @@ QString controls()
                    "QLineEdit { background: %7; padding: 1px 5px; }"
                    "QLineEdit:disabled { color: %6; }"
                    "QPushButton:default, QPushButton:focus, QLineEdit:focus { border-color: %8; }"
+                   "QLabel#qt_msgbox_informativelabel { min-width: 340px; }"
                    "QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }")
         .arg(border.name())
         .arg(radius)

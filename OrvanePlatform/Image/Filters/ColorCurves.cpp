@@ -69,7 +69,8 @@ constexpr size_t leastCuts = 4;
 bool isIdentity(std::span<const float> triples, size_t entries, double low, double high)
 {
     for (size_t i = 0; i < entries * 3; ++i) {
-        const double x = low + (high - low) * double(i / 3) / double(entries - 1);
+        const size_t entry = i / 3;
+        const double x = low + (high - low) * double(entry) / double(entries - 1);
         // One rounding of a float: however the caller divided, this is the same number.
         if (!(std::abs(double(triples[i]) - x) <= 6e-8 * std::max(1.0, std::abs(x))))
             return false;

@@ -1,5 +1,6 @@
 #include "CanvasContent.h"
 
+#include "Geometry.h"
 #include "Pipeline.h"
 #include "TextLayers.h"
 
@@ -27,6 +28,11 @@ RenderKey RenderKey::of(const CanvasContent& content)
     key.healSpots = state.healSpots;
     key.texts = state.texts;
     return key;
+}
+
+CIImage proxyOf(const CIImage& source)
+{
+    return Geometry::resized(source, proxyEdge);
 }
 
 CIImage picture(const CanvasContent& content)

@@ -11,10 +11,15 @@
 
 namespace orvane {
 
+/// The longest edge that the canvas ever renders, in pixels, whatever the zoom.
+inline constexpr int proxyEdge = 2560;
+/// The source reduced to that: a recipe, which the drawing context draws once and keeps.
+CIImage proxyOf(const CIImage& source);
+
 /// What the canvas is asked to show: a value, so that a render in the background owns all it reads.
 struct CanvasContent {
     int version = 0; ///< of the source: another number, another picture
-    CIImage proxy = {}; ///< what is rendered; see DrawnProxy.h
+    CIImage proxy = {}; ///< what is rendered; see proxyOf
     CGSize sourceSize = {}; ///< pixels of the full source
     EditState state = {};
     bool comparing = false; ///< show the picture without its grade

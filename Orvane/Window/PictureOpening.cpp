@@ -1,6 +1,6 @@
 #include "PictureOpening.h"
 
-#include "DrawnProxy.h"
+#include "CanvasContent.h"
 #include "PictureDecoder.h"
 
 #include <QtConcurrent>
@@ -19,7 +19,7 @@ PictureOpening opened(const std::vector<std::filesystem::path>& paths)
             continue;
         }
         const CIImage source = imageFromPicture(*decoded);
-        opening.picture = OpenedPicture{path, source, drawnProxy(source), decoded->note};
+        opening.picture = OpenedPicture{path, source, proxyOf(source), decoded->note};
         opening.unopened = paths.size() - opening.failures.size() - 1;
         break;
     }

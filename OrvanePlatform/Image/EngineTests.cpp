@@ -390,6 +390,16 @@ TEST(Cache, SparesEarlierStagesAndChangesNothing)
     EXPECT_EQ(statistics.passes, 1);
     EXPECT_EQ(statistics.reusedImages, 2);
     EXPECT_EQ(reused, drawn(late(0.7), CIContext(), PixelFormat::BGRX8));
+    // The small copy of a large picture is kept, too, and the picture stays the same.
+    const CIImage proxy = CIFilter::lanczosScaleTransform(photograph(900, 700), 0.4);
+    const auto toned = [&](double ev) { return CIFilter::exposureAdjust(proxy, ev); };
+    drawn(toned(0.1), context, PixelFormat::RGBAFloat, keep);
+    EXPECT_EQ(statistics.storedImages, 1);
+    EXPECT_EQ(drawn(toned(0.2), context, PixelFormat::RGBAFloat, keep),
+              drawn(toned(0.2), CIContext(), PixelFormat::RGBAFloat));
+    EXPECT_EQ(statistics.reusedImages, 1);
+    EXPECT_EQ(drawn(proxy, context, PixelFormat::RGBAFloat, keep),
+              drawn(proxy, CIContext(), PixelFormat::RGBAFloat));
     // A budget too small for anything still draws the right picture.
     CIContext small({.cacheBytes = 1000});
     EXPECT_EQ(drawn(late(0.7), small, PixelFormat::BGRX8, keep), reused);

@@ -196,6 +196,26 @@ void convolveRun(const float* in, std::ptrdiff_t step, float* out, int count, co
     }
 }
 
+void sumRowsRun(const float* first, std::ptrdiff_t stride, const float* weights, int rows,
+                float* out, int count)
+{
+    const int n = int(Lanes::count());
+    for (int i = 0; i < count; i += 2 * n) {
+        // The second vector may lie past the row's padding; then it is the first once more.
+        const int second = i + n < count ? n : 0;
+        Lanes a(0.0f);
+        Lanes b(0.0f);
+        for (int k = 0; k < rows; ++k) {
+            const float* p = first + k * stride + i;
+            const Lanes weight(weights[k]);
+            a = mulAdd(Lanes::load(p), weight, a);
+            b = mulAdd(Lanes::load(p + second), weight, b);
+        }
+        b.store(out + i + second);
+        a.store(out + i);
+    }
+}
+
 } // namespace
 } // namespace orvane::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -218,6 +238,7 @@ HWY_EXPORT(bgra8PremultipliedRun);
 HWY_EXPORT(matrixRun);
 HWY_EXPORT(premultiplyRun);
 HWY_EXPORT(convolveRun);
+HWY_EXPORT(sumRowsRun);
 
 void halvesFromFloats(const float* from, uint16_t* to, int count)
 {
@@ -242,6 +263,12 @@ void premultiply(float* const rgb[3], const float* alpha, int count)
 void convolveAcross(const float* in, float* out, int count, const float* weights, int reach)
 {
     HWY_DYNAMIC_DISPATCH(convolveRun)(in, 1, out, count, weights, reach);
+}
+
+void sumRows(const float* first, std::ptrdiff_t stride, const float* weights, int rows, float* out,
+             int count)
+{
+    HWY_DYNAMIC_DISPATCH(sumRowsRun)(first, stride, weights, rows, out, count);
 }
 
 void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,

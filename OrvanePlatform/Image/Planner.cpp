@@ -6,7 +6,10 @@
 //      that it would read without a border, tile for tile (a wide blur, a steep rotation);
 //   2. a blur is large enough to be computed at a reduced size: its reduced result is stored;
 //   3. a histogram counts: its counts are stored;
-//   4. a result is read by more than one pass.
+//   4. a result is read by more than one pass;
+//   5. intermediates are kept for later draws and a scaling reduces its input: a preview's small
+//   copy
+//      of a large picture is drawn once, not with every change of a slider.
 // Rules 1 and 4 never store what is read straight from a source (through moves, flips, crops and
 // clamps) or made of no source at all: reading it again is cheaper. Whole-pixel moves, flips,
 // crops, clamps, generators and every pointwise operation never end a pass. Within a pass each step
@@ -66,9 +69,10 @@ double inputDensity(const Node& node)
 
 class Planner {
 public:
-    Planner(const Node& root, const PixelRect& rect)
+    Planner(const Node& root, const PixelRect& rect, Intermediates intermediates)
         : m_root(root)
         , m_rect(rect)
+        , m_intermediates(intermediates)
     {
     }
 
@@ -90,7 +94,8 @@ private:
     {
         m_plan = {};
         m_storedIndex.clear();
-        collectPass(m_root, -1, true);
+        // Even the picture itself may be one that is kept.
+        collectPass(m_root, -1, false);
     }
 
     /// The pass that draws `node` into stored image `target`; those it reads from come before it.
@@ -131,9 +136,17 @@ private:
             return StoredPlan::Form::ReducedBlur;
         if (node.as<HistogramNode>())
             return StoredPlan::Form::Histogram;
-        if (m_whole.count(node.digest))
+        if (m_whole.count(node.digest) || isKeptReduction(node))
             return StoredPlan::Form::Whole;
         return {};
+    }
+
+    // ---- Rule 5 ----
+
+    bool isKeptReduction(const Node& node) const
+    {
+        return m_intermediates == Intermediates::Kept && node.as<LanczosNode>()
+            && inputDensity(node) > 1;
     }
 
     int storedImage(const Node& node, StoredPlan::Form form)
@@ -182,8 +195,8 @@ private:
     /// Not read straight from a source, and not made of nothing.
     bool worthStoring(const Node& node)
     {
-        if (node.as<SourceNode>() || m_whole.count(node.digest) || isReducedBlur(node)
-            || node.as<HistogramNode>())
+        if (node.as<SourceNode>() || m_whole.count(node.digest) || isKeptReduction(node)
+            || isReducedBlur(node) || node.as<HistogramNode>())
             return false;
         if (isStructure(node))
             return !node.inputs.empty() && worthStoring(*node.inputs.front());
@@ -317,6 +330,7 @@ private:
 
     const Node& m_root;
     PixelRect m_rect;
+    Intermediates m_intermediates;
     Plan m_plan;
     // Keyed by digest, so that equal recipes built twice are drawn once.
     std::unordered_map<Digest, int> m_storedIndex;
@@ -388,9 +402,10 @@ void requestedRects(const PlanPass& pass, const PixelRect& rect, std::vector<Pix
     }
 }
 
-Plan makePlan(const Node& root, const PixelRect& rect, int tileWidth, int tileHeight)
+Plan makePlan(const Node& root, const PixelRect& rect, int tileWidth, int tileHeight,
+              Intermediates intermediates)
 {
-    return Planner(root, rect).plan(tileWidth, tileHeight);
+    return Planner(root, rect, intermediates).plan(tileWidth, tileHeight);
 }
 
 } // namespace orvane

@@ -62,7 +62,11 @@ PixelRect reducedCells(const PixelRect& rect, int factor);
 /// The rectangle that each step of a pass must draw so that the last one can draw `rect`.
 void requestedRects(const PlanPass& pass, const PixelRect& rect, std::vector<PixelRect>& requests);
 
+/// Whether what a draw stores is kept for later ones.
+enum class Intermediates { Freed, Kept };
+
 /// Decides how `rect` of a recipe is drawn. tileWidth and tileHeight of 0 let it choose.
-Plan makePlan(const Node& root, const PixelRect& rect, int tileWidth, int tileHeight);
+Plan makePlan(const Node& root, const PixelRect& rect, int tileWidth, int tileHeight,
+              Intermediates intermediates = Intermediates::Freed);
 
 } // namespace orvane

@@ -1,6 +1,5 @@
 #include "TileEvaluator.h"
 
-#include "BilinearWindow.h"
 #include "Bitmap.h"
 #include "BlurWeights.h"
 #include "Lanczos.h"
@@ -37,27 +36,6 @@ PassTables::Taps makeTaps(const LanczosAxis& axis, int first, int last)
 bool isWholePixelMove(const OrthogonalTransform& t)
 {
     return t.a == 1 && t.d == 1;
-}
-
-/// Positions are worked out this many pixels at a time.
-constexpr int sampledRun = 256;
-
-/// Part of a row of a resampling, at most sampledRun pixels of it.
-void sampleRow(const WarpNode& node, const BilinearWindow& window, int x, int y, int count,
-               TilePlanes& out)
-{
-    double positions[6][sampledRun];
-    const WarpPositions at{{positions[0], positions[1], positions[2]},
-                           {positions[3], positions[4], positions[5]}};
-    node.kernel->map(node.parameters.record.data(), x, y, count, at);
-    for (int m = 0; m < node.kernel->maps; ++m) {
-        BilinearWindow::Output wanted;
-        for (int c = 0; c < out.channels(); ++c) {
-            if (node.kernel->maps == 1 || m == (c == 3 ? 1 : c))
-                wanted.plane[c] = out.at(c, x, y);
-        }
-        window.sample(at.x[m], at.y[m], count, wanted);
-    }
 }
 
 } // namespace
@@ -127,15 +105,6 @@ TilePlanes TileEvaluator::input(const PlanStep& step, size_t n, const PixelRect&
 {
     const Drawn& drawn = m_drawn[size_t(step.inputs[n])];
     return coveringPlanes(drawn.empty ? TilePlanes{} : drawn.planes, rect, m_arena);
-}
-
-/// For weighted sums. Whether alpha is summed must follow from the recipe, not from the tile: a sum
-/// of ones is 1 only to within rounding.
-TilePlanes TileEvaluator::withRecipesAlpha(const PlanStep& step, TilePlanes planes)
-{
-    if (!step.node->opaque)
-        addOpaqueAlpha(planes, m_arena);
-    return planes;
 }
 
 TilePlanes TileEvaluator::drawStored(const PlanStep& step, const PixelRect& rect)
@@ -265,123 +234,6 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Ort
                 to[i] = source[i * step1];
         }
     }
-    return out;
-}
-
-TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WarpNode& node,
-                                   const PixelRect& rect)
-{
-    const Drawn& drawn = m_drawn[size_t(step.inputs[0])];
-    const PixelRect reach =
-        roundedOutward(node.kernel->region(node.parameters.record.data(), rect).inset(-1.5, -1.5));
-    const bool inside = !drawn.empty && step.node->inputs[0]->extent.contains(reach);
-    TilePlanes out = m_arena.planes(rect, inside && drawn.planes.opaque());
-    const BilinearWindow window(drawn.planes, m_arena);
-    for (int y = rect.y0; y < rect.y1; ++y) {
-        for (int x = rect.x0; x < rect.x1; x += sampledRun)
-            sampleRow(node, window, x, y, std::min(sampledRun, rect.x1 - x), out);
-    }
-    return out;
-}
-
-TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const HalveNode& node,
-                                   const PixelRect& rect)
-{
-    const PixelRect wanted{node.originX + 2 * rect.x0, node.originY + 2 * rect.y0,
-                           node.originX + 2 * rect.x1, node.originY + 2 * rect.y1};
-    const TilePlanes from =
-        edgeRepeatedPlanes(m_drawn[size_t(step.inputs[0])].planes, wanted, m_arena);
-    TilePlanes out = m_arena.planes(rect, from.opaque());
-    for (int c = 0; c < from.channels(); ++c) {
-        for (int y = rect.y0; y < rect.y1; ++y) {
-            const float* low = from.at(c, wanted.x0, wanted.y0 + 2 * (y - rect.y0));
-            const float* high = low + from.stride;
-            float* to = out.row(c, y);
-            for (int i = 0; i < rect.width(); ++i)
-                to[i] = 0.25f * (low[2 * i] + low[2 * i + 1] + high[2 * i] + high[2 * i + 1]);
-        }
-    }
-    return out;
-}
-
-TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const GaussianNode& node,
-                                   const PixelRect& rect)
-{
-    const int reach = gaussianBorder(node.sigma);
-    const PixelRect window = rect.grown(reach);
-    const TilePlanes from = withRecipesAlpha(step, input(step, 0, window));
-    const std::vector<float>& weights = m_tables.steps[index].blur;
-    const PixelRect tall{rect.x0, window.y0, rect.x1, window.y1};
-    TilePlanes across = m_arena.planes(tall, from.opaque());
-    TilePlanes out = m_arena.planes(rect, from.opaque());
-    for (int c = 0; c < from.channels(); ++c) {
-        for (int y = tall.y0; y < tall.y1; ++y)
-            convolveAcross(from.at(c, rect.x0, y), across.row(c, y), rect.width(), weights.data(),
-                           reach);
-        for (int y = rect.y0; y < rect.y1; ++y)
-            convolveDown(across.row(c, y), across.stride, out.row(c, y), rect.width(),
-                         weights.data(), reach);
-    }
-    return out;
-}
-
-TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const LanczosNode&,
-                                   const PixelRect& rect)
-{
-    const PassTables::Taps& across = m_tables.steps[index].across;
-    const PassTables::Taps& down = m_tables.steps[index].down;
-    const auto firstOf = [](const PassTables::Taps& taps, int i) {
-        return taps.first[size_t(i - taps.origin)];
-    };
-    const PixelRect wanted{firstOf(across, rect.x0), firstOf(down, rect.y0),
-                           firstOf(across, rect.x1 - 1) + across.width,
-                           firstOf(down, rect.y1 - 1) + down.width};
-    const TilePlanes from = withRecipesAlpha(
-        step, edgeRepeatedPlanes(m_drawn[size_t(step.inputs[0])].planes, wanted, m_arena));
-    TilePlanes tall = m_arena.planes({wanted.x0, rect.y0, wanted.x1, rect.y1}, from.opaque());
-    TilePlanes out = m_arena.planes(rect, from.opaque());
-    for (int c = 0; c < from.channels(); ++c) {
-        for (int y = rect.y0; y < rect.y1; ++y) {
-            const float* weights = &down.weights[size_t(y - down.origin) * size_t(down.width)];
-            float* to = tall.row(c, y);
-            std::fill_n(to, wanted.width(), 0.0f);
-            for (int k = 0; k < down.width; ++k) {
-                const float* row = from.at(c, wanted.x0, firstOf(down, y) + k);
-                for (int i = 0; i < wanted.width(); ++i)
-                    to[i] += weights[k] * row[i];
-            }
-            float* result = out.row(c, y);
-            for (int x = rect.x0; x < rect.x1; ++x) {
-                const float* taps =
-                    &across.weights[size_t(x - across.origin) * size_t(across.width)];
-                const float* source = to + (firstOf(across, x) - wanted.x0);
-                float sum = 0;
-                for (int k = 0; k < across.width; ++k)
-                    sum += taps[k] * source[k];
-                result[x - rect.x0] = c == 3 ? std::clamp(sum, 0.0f, 1.0f) : sum;
-            }
-        }
-    }
-    return out;
-}
-
-TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WindowNode& node,
-                                   const PixelRect& rect)
-{
-    const TilePlanes from =
-        withRecipesAlpha(step,
-                         edgeRepeatedPlanes(m_drawn[size_t(step.inputs[0])].planes,
-                                            rect.grown(node.border), m_arena));
-    TilePlanes out = m_arena.planes(rect, from.opaque());
-    WindowBlock block{.width = rect.width(),
-                      .height = rect.height(),
-                      .inputStride = from.stride,
-                      .outputStride = out.stride};
-    for (int c = 0; c < from.channels(); ++c) {
-        block.input[c] = from.at(c, rect.x0, rect.y0);
-        block.output[c] = out.row(c, rect.y0);
-    }
-    node.kernel->tiled(node.parameters.record.data(), block);
     return out;
 }
 

@@ -17,6 +17,12 @@ struct PassTables {
         std::vector<float> weights; ///< `width` for each output
         int origin = 0;
         int width = 0;
+
+        int firstOf(int output) const { return first[size_t(output - origin)]; }
+        const float* weightsOf(int output) const
+        {
+            return &weights[size_t(output - origin) * size_t(width)];
+        }
     };
     struct Step {
         std::vector<float> blur;

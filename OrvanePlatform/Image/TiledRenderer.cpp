@@ -16,7 +16,8 @@ namespace orvane {
 struct TiledRenderer::Drawing {
     Drawing(const Node& root, const PixelRect& rect, StoredFormat storedFormat,
             const DrawOptions& drawOptions, const CIContext::Options& settings)
-        : plan(makePlan(root, rect, settings.tileWidth, settings.tileHeight))
+        : plan(makePlan(root, rect, settings.tileWidth, settings.tileHeight,
+                        drawOptions.keepIntermediates ? Intermediates::Kept : Intermediates::Freed))
         , stored(plan.stored.size())
         , format(storedFormat)
         , options(drawOptions)

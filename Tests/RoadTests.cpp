@@ -10,6 +10,7 @@
 #include <png.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -24,10 +25,9 @@ class Road : public testing::Test {
 protected:
     void SetUp() override
     {
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        m_folder = fs::temp_directory_path() / ("orvane-road-" + std::string(test->name()));
-        fs::remove_all(m_folder);
-        fs::create_directories(m_folder);
+        std::string pattern = (fs::temp_directory_path() / "orvane-road-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+        m_folder = pattern;
     }
     void TearDown() override { fs::remove_all(m_folder); }
 

@@ -46,7 +46,8 @@ Result<void> encode(const CIImage& finished, const ExportOptions& options, ByteS
                     const DrawOptions& drawing)
 {
     const CIImage sized = Geometry::resized(finished, options.longEdge);
-    const Baker::FileSettings settings{info(options.format).encoded, options.quality, options.png16};
+    const Baker::FileSettings settings{info(options.format).encoded, options.quality,
+                                       options.png16};
     return Baker::encode(Baker::apply(sized, options.metadata), settings, bytes, drawing);
 }
 
@@ -61,6 +62,9 @@ Result<void> exportFile(const CIImage& finished, const ExportOptions& options,
         return encoded;
     if (!bytes.flush())
         return Error{"The disk is full, or the folder can no longer be written."};
+    // An encoder may have been past its last look at the token.
+    if (drawing.cancellation && drawing.cancellation->isCancelled())
+        return Error{"Cancelled."};
     return file->commit();
 }
 

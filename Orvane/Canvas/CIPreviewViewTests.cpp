@@ -1,6 +1,7 @@
 #include "CIPreviewView.h"
 
 #include "Bitmap.h"
+#include "TestWaiting.h"
 
 #include <QApplication>
 #include <QThreadPool>
@@ -39,8 +40,7 @@ TEST(CIPreviewView, PaintsPixelForPixelAtEveryScale)
         view.setContent({.version = 1,
                          .proxy = stripes(int(row.picture.width), int(row.picture.height)),
                          .sourceSize = row.picture});
-        while (!view.mapping().hasFrame())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        waitFor([&] { return view.mapping().hasFrame(); });
 
         // Placed so that at 1.25 the view begins between two device pixels.
         QImage screen(700, 600, QImage::Format_RGB32);

@@ -1,7 +1,7 @@
 #include "RenderScheduler.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
+#include "TestWaiting.h"
+
 #include <QSemaphore>
 #include <QThreadPool>
 
@@ -46,8 +46,7 @@ protected:
     }
     void waitUntilShown(size_t count)
     {
-        while (shown.size() < count)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        waitFor([&] { return shown.size() >= count; });
     }
 
     using Start = RenderScheduler::Start;

@@ -24,6 +24,12 @@ public:
         std::filesystem::path target;
     };
 
+    /// What came of a job: the file is there, or why not; neither when it was cancelled.
+    struct End {
+        bool isWritten = false;
+        std::string failure = {}; ///< one sentence
+    };
+
     /// The pool must outlive the exporter, and be empty before the program ends.
     explicit Exporter(QThreadPool& pool);
     ~Exporter() override;
@@ -35,8 +41,7 @@ public:
     void cancel();
 
 Q_SIGNALS:
-    /// An empty text: written, or cancelled; otherwise why not.
-    void finished(const std::string& failure);
+    void finished(const orvane::Exporter::End& end);
 
 private:
     QThreadPool& m_pool;

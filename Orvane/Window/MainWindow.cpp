@@ -405,36 +405,46 @@ void MainWindow::askExport()
 {
     auto* dialog = new ExportDialog(m_exportOptions, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &QDialog::accepted, this, [this, dialog] {
+    const ExportCommand command{*m_picture, m_state, m_sourceVersion};
+    connect(dialog, &QDialog::accepted, this, [this, dialog, command] {
         m_exportOptions = dialog->options();
-        exportImage();
+        exportImage(command);
     });
     dialog->open();
 }
 
-void MainWindow::exportImage()
+void MainWindow::exportImage(const ExportCommand& command)
 {
-    m_exportName = suggestedName(m_picture->path, m_exportOptions.format);
-    const auto target = m_panels.exportTarget(m_exportName, info(m_exportOptions.format));
+    const ExportOptions options = m_exportOptions;
+    const auto& source = command.picture.path;
+    const std::string name = suggestedName(source, options.format);
+    const auto target = m_panels.exportTarget(source.parent_path() / name, info(options.format));
     if (!target)
         return;
-    if (isSameFile(*target, m_picture->path)) {
-        exportEnded(
+    if (isSameFile(*target, source)) {
+        tellExportFailure(
+            name,
             tr("This is the original, which is never written. Choose another name.").toStdString());
         return;
     }
-    m_exporter.start({m_picture->source, m_state, m_exportOptions, *target});
+    m_exportName = name;
+    m_exporter.start({command.picture.source, command.state, options, *target});
     m_overlay->begin();
     updateActions();
 }
 
-void MainWindow::exportEnded(const std::string& failure)
+void MainWindow::exportEnded(const Exporter::End& end)
 {
     m_overlay->end();
     updateActions();
-    if (!failure.empty())
-        m_panels.alert(tr("Couldn't export “%1”").arg(textFromPath(m_exportName)),
-                       QString::fromStdString(failure));
+    if (!end.failure.empty())
+        tellExportFailure(m_exportName, end.failure);
+}
+
+void MainWindow::tellExportFailure(const std::string& name, const std::string& failure)
+{
+    m_panels.alert(tr("Couldn't export “%1”").arg(textFromPath(name)),
+                   QString::fromStdString(failure));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -50,6 +50,13 @@ protected:
 
 private:
     struct ActionRow;
+    /// What an export command was given for: the picture in the window may be another by the time
+    /// that the dialogs are answered.
+    struct ExportCommand {
+        OpenedPicture picture;
+        EditState state;
+        int version; ///< of the picture
+    };
     /// When a command can be given.
     enum class When { Always, WithPicture, WhenExportable };
 
@@ -72,8 +79,9 @@ private:
     void showStatus();
 
     void askExport();
-    void exportImage();
-    void exportEnded(const std::string& failure);
+    void exportImage(const ExportCommand& command);
+    void exportEnded(const Exporter::End& end);
+    void tellExportFailure(const std::string& name, const std::string& failure);
 
     QThreadPool& m_pool;
     Panels& m_panels;

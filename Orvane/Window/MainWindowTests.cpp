@@ -5,7 +5,9 @@
 #include "ExportDialog.h"
 #include "PathText.h"
 #include "PictureDecoder.h"
+#include "QtPanels.h"
 #include "SliderRow.h"
+#include "TestWaiting.h"
 #include "Theme.h"
 
 #include <QAction>
@@ -30,10 +32,11 @@ namespace {
 class ScriptedPanels final : public Panels {
 public:
     std::vector<std::filesystem::path> picturesToOpen() override { return toOpen; }
-    std::optional<std::filesystem::path> exportTarget(const std::string& suggestedName,
+    std::optional<std::filesystem::path> exportTarget(const std::filesystem::path& suggestion,
                                                       const ExportFormatInfo&) override
     {
-        suggested = suggestedName;
+        suggested = suggestion;
+        whileAsking();
         return target;
     }
     void alert(const QString& message, const QString& informative) override
@@ -44,7 +47,8 @@ public:
 
     std::vector<std::filesystem::path> toOpen;
     std::optional<std::filesystem::path> target;
-    std::string suggested;
+    std::filesystem::path suggested;
+    std::function<void()> whileAsking = [] {}; ///< in the save panel's own event loop
     QStringList alerts;
 };
 
@@ -62,14 +66,16 @@ protected:
         pool.waitForDone();
     }
 
-    /// A PNG of 600 x 400, each quarter of its own sRGB colour: dark and mid greys, red, blue.
-    std::filesystem::path makePicture(const char* name)
+    /// A PNG of 600 x 400 or another size, each quarter of its own sRGB colour: dark and mid greys,
+    /// red, blue.
+    std::filesystem::path makePicture(const char* name, int width = 600, int height = 400)
     {
         const CIColor colors[] = {
             {0.2, 0.2, 0.2, 1}, {0.5, 0.5, 0.5, 1}, {0.6, 0.1, 0.1, 1}, {0.1, 0.1, 0.6, 1}};
-        CIImage picture = CIImage::withColor({}).cropped({0, 0, 600, 400});
+        CIImage picture = CIImage::withColor({}).cropped({0, 0, double(width), double(height)});
         for (int i = 0; i < 4; ++i) {
-            const CGRect quarter(i % 2 * 300, (1 - i / 2) * 200, 300, 200);
+            const CGRect quarter(i % 2 * width / 2, (1 - i / 2) * height / 2, width / 2,
+                                 height / 2);
             picture = CIImage::withColor(colors[i]).cropped(quarter).compositedOver(picture);
         }
         const auto path = folder() / name;
@@ -78,11 +84,6 @@ protected:
     }
     std::filesystem::path folder() const { return pathFromText(temporary.path()); }
 
-    void waitFor(const std::function<bool()>& condition)
-    {
-        while (!condition())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
     void open(const std::filesystem::path& path)
     {
         int painted = 0;
@@ -98,7 +99,21 @@ protected:
         const CGPoint point = viewPoint(fraction, window.canvas().mapping());
         return window.canvas().grab().toImage().pixelColor(int(point.x), int(point.y));
     }
-    void trigger(const char* id) { window.findChild<QAction*>(id)->trigger(); }
+    QAction& action(const char* id) { return *window.findChild<QAction*>(id); }
+    void startExportTo(const std::filesystem::path& target)
+    {
+        panels.target = target;
+        action("export").trigger();
+        auto* dialog = window.findChild<ExportDialog*>();
+        dialog->findChild<QComboBox*>("format")->setCurrentIndex(int(ExportFormat::png));
+        dialog->accept();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    void exportTo(const std::filesystem::path& target)
+    {
+        startExportTo(target);
+        waitFor([&] { return action("export").isEnabled(); });
+    }
 
     QTemporaryDir temporary;
     QThreadPool pool;
@@ -264,18 +279,8 @@ TEST_F(MainWindowTest, AnExportHoldsTheEditAndLeavesTheOriginalAlone)
     const auto original = readFile(source, 1 << 20);
     open(source);
     window.panel().row("exposure").setValue(50);
-    const auto exportTo = [&](const std::filesystem::path& target) {
-        panels.target = target;
-        trigger("export");
-        auto* dialog = window.findChild<ExportDialog*>();
-        dialog->findChild<QComboBox*>("format")->setCurrentIndex(int(ExportFormat::png));
-        dialog->accept();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        waitFor([&] { return window.findChild<QAction*>("export")->isEnabled(); });
-    };
-
     exportTo(folder() / "out.png");
-    EXPECT_EQ(panels.suggested, "holiday.one-edit.png");
+    EXPECT_EQ(panels.suggested, folder() / "holiday.one-edit.png");
     EXPECT_TRUE(panels.alerts.isEmpty()) << panels.alerts.join('\n').toStdString();
     waitFor([&] { return colorAt(darkGrey).red() > 51; });
     const auto written = decodePictureFile(folder() / "out.png");
@@ -292,6 +297,48 @@ TEST_F(MainWindowTest, AnExportHoldsTheEditAndLeavesTheOriginalAlone)
     exportTo(folder() / "no such folder" / "out.png");
     ASSERT_EQ(panels.alerts.size(), 2);
     EXPECT_TRUE(panels.alerts[1].startsWith("Couldn't export “holiday.one-edit.png” | "));
+}
+
+TEST_F(MainWindowTest, AnExportIsOfThePictureItWasAskedFor)
+{
+    const auto first = makePicture("first.png");
+    const auto original = readFile(first, 1 << 20);
+    const auto second = makePicture("second.png", 300, 200);
+    panels.whileAsking = [&] {
+        window.open({textFromPath(second)});
+        waitFor([&] { return window.windowTitle() == "second.png — Orvane"; });
+    };
+
+    open(first);
+    window.panel().row("exposure").setValue(50);
+    exportTo(folder() / "out.png");
+    EXPECT_EQ(panels.suggested.filename(), "first-edit.png");
+    const auto written = decodePictureFile(folder() / "out.png");
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->bitmap->width(), 600);
+    EXPECT_GT(written->bitmap->row(100)[3 * 150], 51) << "with the edit of the first";
+
+    open(first);
+    exportTo(first);
+    ASSERT_EQ(panels.alerts.size(), 1);
+    EXPECT_TRUE(panels.alerts[0].startsWith("Couldn't export “first-edit.png” | "));
+    EXPECT_EQ(*readFile(first, 1 << 20), *original);
+}
+
+TEST(WithExtension, AppendsTheFormatsUnlessOneOfItsOwnIsThere)
+{
+    struct Row {
+        const char* typed;
+        ExportFormat format;
+        const char* expected;
+    };
+    const Row rows[] = {{"/p/a", ExportFormat::jpeg, "/p/a.jpg"},
+                        {"/p/a.JPEG", ExportFormat::jpeg, "/p/a.JPEG"},
+                        {"/p/a.png", ExportFormat::jpeg, "/p/a.png.jpg"},
+                        {"/p/one.two", ExportFormat::tiff, "/p/one.two.tiff"},
+                        {"/p.png/a", ExportFormat::png, "/p.png/a.png"}};
+    for (const Row& row : rows)
+        EXPECT_EQ(withExtension(row.typed, info(row.format)), row.expected);
 }
 
 TEST_F(MainWindowTest, NoKeyIsGivenToTwoCommands)

@@ -33,6 +33,13 @@ QString pictureFilter()
 
 } // namespace
 
+std::filesystem::path withExtension(std::filesystem::path path, const ExportFormatInfo& format)
+{
+    if (exportFormatOfExtension(path.extension().string()) != format.format)
+        path += "." + std::string(format.ext);
+    return path;
+}
+
 std::vector<std::filesystem::path> QtPanels::picturesToOpen()
 {
     QFileDialog dialog(m_window, translated("Choose an image to edit."), m_openFolder,
@@ -47,21 +54,29 @@ std::vector<std::filesystem::path> QtPanels::picturesToOpen()
     return paths;
 }
 
-std::optional<std::filesystem::path> QtPanels::exportTarget(const std::string& suggestedName,
+std::optional<std::filesystem::path> QtPanels::exportTarget(const std::filesystem::path& suggestion,
                                                             const ExportFormatInfo& format)
 {
     const QString extension = QString::fromUtf8(format.ext.data(), qsizetype(format.ext.size()));
     const QString name = QString::fromUtf8(format.name.data(), qsizetype(format.name.size()));
-    QFileDialog dialog(m_window, translated("Export Image"), m_exportFolder,
+    const std::filesystem::path start = std::filesystem::absolute(suggestion);
+    QFileDialog dialog(m_window, translated("Export Image"), textFromPath(start.parent_path()),
                        name + " (*." + extension + ")");
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setDefaultSuffix(extension);
-    dialog.selectFile(textFromPath(suggestedName));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return {};
-    m_exportFolder = dialog.directory().path();
-    return pathFromText(dialog.selectedFiles().constFirst());
+    // The dialog would ask for the name as typed, which may not be the one that is written.
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    dialog.selectFile(textFromPath(start.filename()));
+    while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+        const auto target =
+            withExtension(pathFromText(dialog.selectedFiles().constFirst()), format);
+        std::error_code none;
+        if (!std::filesystem::exists(target, none)
+            || confirm(translated("Replace “%1”?").arg(textFromPath(target.filename())),
+                       translated("A file of this name is there already."), translated("Replace")))
+            return target;
+    }
+    return {};
 }
 
 void QtPanels::alert(const QString& message, const QString& informative)
@@ -76,6 +91,7 @@ bool QtPanels::confirm(const QString& message, const QString& informative, const
     QMessageBox box(QMessageBox::NoIcon, QString(), message, QMessageBox::Cancel, m_window);
     box.setInformativeText(informative);
     const auto* agree = box.addButton(action, QMessageBox::AcceptRole);
+    box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
     return box.clickedButton() == agree;
 }

@@ -70,19 +70,68 @@ bool namesPosition(const std::string& key)
                        [&](const char* word) { return lower.find(word) != std::string::npos; });
 }
 
+// The names that make up a property's path, lower-case, without prefixes and places in a list:
+// "Xmp.my.Place/my:Point[2]" is "place" and "point".
+std::vector<std::string> pathNames(const std::string& path)
+{
+    std::vector<std::string> names(1);
+    for (const char letter : path) {
+        if (letter == '/' || letter == '[')
+            names.emplace_back();
+        else if (letter == ':')
+            names.back().clear();
+        else if (std::isalnum(static_cast<unsigned char>(letter)) || letter == '_')
+            names.back() += char(std::tolower(static_cast<unsigned char>(letter)));
+    }
+    return names;
+}
+
+// Short names count only as a whole: "LongName" and "Flat" are none.
 bool isXmpPosition(const Exiv2::Xmpdatum& property)
 {
-    return namesPosition(property.key());
+    constexpr std::array<const char*, 8> shortNames = {
+        "lat", "long", "lon", "lng", "lat_long", "latlong", "latlon", "coordinates"};
+    constexpr std::array<const char*, 2> namespaces = {"http://www.w3.org/2003/01/geo/wgs84_pos#",
+                                                       "http://www.georss.org/georss"};
+    if (namesPosition(property.key()))
+        return true;
+    const std::string ns = Exiv2::XmpProperties::ns(property.groupName());
+    if (std::any_of(namespaces.begin(), namespaces.end(),
+                    [&](const char* one) { return ns.starts_with(one); }))
+        return true;
+    const std::vector<std::string> names = pathNames(property.tagName());
+    return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+        return std::find(shortNames.begin(), shortNames.end(), name) != shortNames.end();
+    });
+}
+
+// What a parser passes over, comments and foreign elements, may hold a place as well. Only a packet
+// without any sign of one is handed on as it is written.
+bool mayHidePosition(const std::string& packet)
+{
+    std::string lower = packet;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char letter) { return char(std::tolower(letter)); });
+    constexpr std::array<const char*, 6> signs = {"<!--", "gps", "lat", "lon", "coord", "geo"};
+    return std::any_of(signs.begin(), signs.end(),
+                       [&](const char* sign) { return lower.find(sign) != std::string::npos; });
 }
 
 constexpr uint16_t gpsPointerTag = 0x8825;
+
+// GeoTIFF's tags, which tie pixels to the ground.
+constexpr std::array<uint16_t, 7> groundTags = {0x830e, 0x8480, 0x8482, 0x85d8,
+                                                0x87af, 0x87b0, 0x87b1};
 
 // The pointer counts by itself: a directory that this parser finds broken another may still read.
 bool isExifPosition(const Exiv2::Exifdatum& entry)
 {
     const std::string group = entry.groupName();
+    const bool isNote = isMakerNote(entry);
     return group == "GPSInfo" || entry.tag() == gpsPointerTag
-        || (isMakerNote(entry) && namesPosition(entry.key()));
+        || (!isNote
+            && std::find(groundTags.begin(), groundTags.end(), entry.tag()) != groundTags.end())
+        || (isNote && namesPosition(entry.key()));
 }
 
 // Copies of XMP and IPTC inside a TIFF's Exif, which the blocks beside it stand for.
@@ -241,7 +290,7 @@ ImageProperties withoutLocation(const ImageProperties& properties)
         result.exif = exifWithoutLocation(properties.exif, *exif);
     if (!xmp) {
         result.xmp.clear();
-    } else if (inXmp) {
+    } else if (inXmp || mayHidePosition(properties.xmp)) {
         eraseWhere(*xmp, isXmpPosition);
         result.xmp = encodedXmp(*xmp);
     }

@@ -41,6 +41,24 @@ TEST(WithoutLocation, TakesThePlaceAloneOutOfExif)
     EXPECT_EQ(result.iptc, properties.iptc);
 }
 
+TEST(WithoutLocation, TakesTheTiesToTheGroundOutOfEveryDirectory)
+{
+    for (const char* tag : {"0x830e", "0x8480", "0x8482", "0x85d8", "0x87af", "0x87b0", "0x87b1"}) {
+        for (const char* group : {"Exif.Image.", "Exif.Photo.", "Exif.Thumbnail."}) {
+            SCOPED_TRACE(std::string(group) + tag);
+            std::optional<ExifBlock> block = parsedExif(testExif({.place = false}));
+            ASSERT_TRUE(block);
+            block->data[std::string(group) + tag] =
+                Exiv2::URational(placeNumerator, placeDenominator);
+            const std::vector<uint8_t> exif = encodedExif(*block, {});
+            ASSERT_TRUE(spellsPlace(exif));
+            const ImageProperties result = withoutLocation({exif, {}, {}});
+            EXPECT_FALSE(spellsPlace(result.exif));
+            EXPECT_EQ(exifText(result, "Exif.Image.Model"), "Box");
+        }
+    }
+}
+
 TEST(WithoutLocation, MakerNotesThatCannotBeReadGoWithThePlace)
 {
     struct Case {
@@ -64,6 +82,40 @@ TEST(WithoutLocation, TakesEveryPositionOutOfXmp)
         EXPECT_EQ(xmp.find(gone), std::string::npos) << gone;
     for (const char* kept : {"Rating", "Box"})
         EXPECT_NE(xmp.find(kept), std::string::npos) << kept;
+
+    const struct {
+        const char* attributes;
+        const char* elements;
+        bool isKept; ///< the value 52.5163
+    } cases[] = {
+        {"geo:lat='52.5163' geo:long='13.4'", "", false},
+        {"geo:anything='52.5163'", "", false},
+        {"my:lon='52.5163'", "", false},
+        {"my:LAT='52.5163'", "", false},
+        {"", "<my:Place rdf:parseType='Resource'><my:lat>52.5163</my:lat></my:Place>", false},
+        {"", "<my:Coordinates><rdf:Seq><rdf:li>52.5163</rdf:li></rdf:Seq></my:Coordinates>", false},
+        {"", "<my:Coordinates rdf:parseType='Resource'><my:x>52.5163</my:x></my:Coordinates>",
+         false},
+        {"", "<!-- taken at 52.5163, 13.4 -->", false},
+        {"my:LongName='52.5163'", "", true},
+        {"my:Flat='52.5163'", "<!-- nothing -->", true},
+        {"", "<my:Longest rdf:parseType='Resource'><my:plate>52.5163</my:plate></my:Longest>",
+         true},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(std::string(one.attributes) + one.elements);
+        const std::string packet =
+            "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF "
+            "xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
+            "rdf:about='' xmlns:xmp='http://ns.adobe.com/xap/1.0/' "
+            "xmlns:geo='http://www.w3.org/2003/01/geo/wgs84_pos#' "
+            "xmlns:my='http://example.org/my/' xmp:Rating='4' "
+            + std::string(one.attributes) + ">" + one.elements
+            + "</rdf:Description></rdf:RDF></x:xmpmeta>";
+        const std::string result = withoutLocation({{}, packet, {}}).xmp;
+        EXPECT_NE(result.find("Rating"), std::string::npos);
+        EXPECT_EQ(result.find("52.5163") != std::string::npos, one.isKept) << result;
+    }
 }
 
 // A file cut anywhere, or with one byte changed, must neither throw nor let the place through.

@@ -242,21 +242,35 @@ TEST(ColorProfile, exifAndPngHints)
         EXPECT_EQ(bool(picture->bitmap->conversion.curves[0]), c.isAdobe);
     }
     const auto described = [](double gamma, const Primaries& p) {
-        return decodePicture(png({2, 8, false, [&](png_structp writer, png_infop info) {
-                                      png_set_gAMA(writer, info, gamma);
-                                      png_set_cHRM(writer, info, p.white.x, p.white.y, p.red.x,
-                                                   p.red.y, p.green.x, p.green.y, p.blue.x,
-                                                   p.blue.y);
-                                  }}));
+        return png({2, 8, false, [&](png_structp writer, png_infop info) {
+                        png_set_gAMA(writer, info, gamma);
+                        png_set_cHRM(writer, info, p.white.x, p.white.y, p.red.x, p.red.y,
+                                     p.green.x, p.green.y, p.blue.x, p.blue.y);
+                    }});
     };
-    const auto usual = described(0.45455, srgbPrimaries);
+    const auto usual = decodePicture(described(0.45455, srgbPrimaries));
     ASSERT_TRUE(usual);
     EXPECT_FALSE(usual->bitmap->conversion.matrix || usual->bitmap->conversion.curves[0]);
-    const auto linear = described(1.0, rec2020Primaries);
-    ASSERT_TRUE(linear);
-    ASSERT_TRUE(linear->bitmap->conversion.matrix && linear->bitmap->conversion.curves[0]);
-    EXPECT_NEAR(double((*linear->bitmap->conversion.matrix)[1]), rec2020Green[0], 0.001);
-    EXPECT_NEAR(double((*linear->bitmap->conversion.curves[0])[51]), 0.2, 1e-6);
+    // A profile that is none leaves gAMA and cHRM their say.
+    for (const File& profile : {File(), File(600, 0x20), File(size_t(17) << 20, 0)}) {
+        File chunk = {'p', 0, 0};
+        const File packed = deflated(profile);
+        chunk.insert(chunk.end(), packed.begin(), packed.end());
+        const auto linear = decodePicture(pngWith(
+            described(1.0, rec2020Primaries),
+            profile.empty() ? std::vector<File>() : std::vector<File>{pngChunk("iCCP", chunk)}));
+        ASSERT_TRUE(linear);
+        ASSERT_TRUE(linear->bitmap->conversion.matrix && linear->bitmap->conversion.curves[0]);
+        EXPECT_NEAR(double((*linear->bitmap->conversion.matrix)[1]), rec2020Green[0], 0.001);
+        EXPECT_NEAR(double((*linear->bitmap->conversion.curves[0])[51]), 0.2, 1e-6);
+    }
+    File chunk = {'p', 0, 0};
+    const File packed = deflated(rgbProfile(displayP3Primaries, 0));
+    chunk.insert(chunk.end(), packed.begin(), packed.end());
+    const auto both =
+        decodePicture(pngWith(described(1.0, rec2020Primaries), {pngChunk("iCCP", chunk)}));
+    ASSERT_TRUE(both && both->bitmap->conversion.matrix);
+    EXPECT_LT(std::abs(double((*both->bitmap->conversion.matrix)[1])), 0.3);
 }
 
 TEST(ColorProfile, codedColoursOfHeif)
@@ -295,6 +309,10 @@ TEST(ColorProfile, codedColoursOfHeif)
             expectPixel(picture, c.expected, c.tolerance);
         }
     }
+    // A profile that is none leaves the codes their say.
+    const auto coded =
+        decodePicture(heif({1, 0, 0}, {.primaries = 12, .transfer = 13, .icc = File(500, 0x20)}));
+    expectPixel(coded, p3Red, 0.03);
     // The container's turn is done already, so the Exif block's must not be done again.
     const auto turned = decodePicture(
         heif({1, 0, 0},

@@ -1,3 +1,4 @@
+#include "ColorProfile.h"
 #include "ColorSpaces.h"
 #include "ExifReader.h"
 #include "FormatDecoders.h"
@@ -125,19 +126,24 @@ Nclx codedColors(const heif_image_handle* handle, const heif_image* image)
     return nullptr;
 }
 
-void readColors(const heif_image_handle* handle, const heif_image* image, DecoderOutput& output)
+void readProfile(const heif_image_handle* handle, std::vector<uint8_t>& icc)
 {
     const heif_color_profile_type type = heif_image_handle_get_color_profile_type(handle);
-    if (type == heif_color_profile_type_rICC || type == heif_color_profile_type_prof) {
-        const size_t size = heif_image_handle_get_raw_color_profile_size(handle);
-        if (size == 0 || size > largestProfileBytes)
-            return;
-        output.icc.resize(size);
-        if (heif_image_handle_get_raw_color_profile(handle, output.icc.data()).code
-            != heif_error_Ok)
-            output.icc.clear();
+    if (type != heif_color_profile_type_rICC && type != heif_color_profile_type_prof)
         return;
-    }
+    const size_t size = heif_image_handle_get_raw_color_profile_size(handle);
+    if (size == 0 || size > largestProfileBytes)
+        return;
+    icc.resize(size);
+    if (heif_image_handle_get_raw_color_profile(handle, icc.data()).code != heif_error_Ok
+        || !ColorProfile::parsed(icc))
+        icc.clear();
+}
+
+/// The codes are read beside a profile too: it may yet turn out to be of no use.
+void readColors(const heif_image_handle* handle, const heif_image* image, DecoderOutput& output)
+{
+    readProfile(handle, output.icc);
     const Nclx nclx = codedColors(handle, image);
     if (!nclx)
         return;
@@ -145,7 +151,7 @@ void readColors(const heif_image_handle* handle, const heif_image* image, Decode
     output.described = conversionFrom(transferOf(nclx->transfer_characteristics),
                                       primariesOf(nclx->color_primaries).value_or(srgbPrimaries),
                                       output.bitmap->type());
-    if (transfer == 16 || transfer == 18)
+    if (output.icc.empty() && (transfer == 16 || transfer == 18))
         output.note = "This is a high dynamic range picture; its white is taken as 203 cd/m².";
 }
 

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <png.h>
 #include <tiffio.h>
+#include <zlib.h>
 
 namespace orvane {
 namespace {
@@ -30,15 +31,22 @@ double encoded(double linear)
     return linear <= 0.0031308 ? linear * 12.92 : 1.055 * std::pow(linear, 1 / 2.4) - 0.055;
 }
 
-uint32_t pngCheckSum(const uint8_t* data, size_t size)
+/// The process's peak of resident memory since resetPeak(), in bytes.
+size_t peakMemory()
 {
-    uint32_t sum = 0xffffffff;
-    for (size_t i = 0; i < size; ++i) {
-        sum ^= data[i];
-        for (int bit = 0; bit < 8; ++bit)
-            sum = sum >> 1 ^ (sum & 1 ? 0xedb88320u : 0u);
-    }
-    return ~sum;
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (word == "VmHWM:") {
+            size_t kilobytes = 0;
+            status >> kilobytes;
+            return kilobytes << 10;
+        }
+    return 0;
+}
+
+void resetPeak()
+{
+    std::ofstream("/proc/self/clear_refs") << 5;
 }
 
 void describePalette(png_structp png, png_infop info)
@@ -287,6 +295,46 @@ TEST(PictureDecoder, orientationAndBlocksComeFromEveryContainer)
     EXPECT_NE(std::string(exif.begin(), exif.end()).find("Hand"), std::string::npos);
 }
 
+TEST(PictureDecoder, textsOfAPngTakeNoMemory)
+{
+    // Sixty texts of 16 MB each, two hundred small ones, and the packet last.
+    const std::string key("a\0\0", 3);
+    File text(key.begin(), key.end());
+    const File zeros = deflated(File(size_t(16000000), 'x'));
+    text.insert(text.end(), zeros.begin(), zeros.end());
+    std::vector<File> chunks(60, pngChunk("zTXt", text));
+    chunks.insert(chunks.end(), 200, pngChunk("tEXt", {'a', 0, 'b'}));
+    const std::string packet("XML:com.adobe.xmp\0\0\0\0\0<x/>", 26);
+    chunks.push_back(pngChunk("iTXt", File(packet.begin(), packet.end())));
+    const File file = pngWith(png(), chunks);
+    resetPeak();
+    const size_t before = peakMemory();
+    ASSERT_GT(before, 0u);
+    const auto picture = decodePicture(file);
+    ASSERT_TRUE(picture) << picture.error().message;
+    EXPECT_LT(peakMemory() - before, size_t(64) << 20);
+    EXPECT_EQ(picture->properties.xmp, "<x/>");
+}
+
+// One bit a pixel in the file, two bytes in the bitmap.
+TEST(PictureDecoder, aFlatPngWithATransparentColourIsWhole)
+{
+    File header;
+    appendNumber(header, 5000);
+    appendNumber(header, 4000);
+    header.insert(header.end(), {1, 0, 0, 0, 0});
+    File file = png();
+    file.resize(8);
+    for (const File& chunk :
+         {pngChunk("IHDR", header), pngChunk("tRNS", {0, 0}),
+          pngChunk("IDAT", deflated(File(size_t(4000) * (1 + 5000 / 8), 0))), pngChunk("IEND", {})})
+        file.insert(file.end(), chunk.begin(), chunk.end());
+    const auto picture = decodePicture(file);
+    ASSERT_TRUE(picture) << picture.error().message;
+    EXPECT_EQ(picture->bitmap->channels(), 2);
+    EXPECT_EQ(picture->bitmap->row(3999)[2 * 4999 + 1], 0);
+}
+
 TEST(PictureDecoder, sentences)
 {
     const File whole = jpeg({}, 400, 300);
@@ -300,7 +348,7 @@ TEST(PictureDecoder, sentences)
         for (size_t i = 0; i < 4; ++i)
             file[16 + i] = file[20 + i] = uint8_t(side >> (24 - 8 * i));
         // The header's check sum, so that nothing else is wrong with the file.
-        const uint32_t sum = pngCheckSum(file.data() + 12, 17);
+        const uint32_t sum = uint32_t(crc32(0, file.data() + 12, 17));
         for (size_t i = 0; i < 4; ++i)
             file[29 + i] = uint8_t(sum >> (24 - 8 * i));
         return file;

@@ -2,11 +2,13 @@
 #include "ExifReader.h"
 #include "FormatDecoders.h"
 
+#include <algorithm>
 #include <cmath>
 #include <csetjmp>
 #include <cstring>
 
 #include <png.h>
+#include <zlib.h>
 
 namespace orvane {
 
@@ -24,6 +26,7 @@ struct Session {
     png_uint_32 height = 0;
     int depth = 0;
     int colorType = 0;
+    int fileSamples = 0; ///< a pixel's, before a palette or a transparent colour is resolved
     int channels = 0;
     int outputDepth = 0;
     int passes = 1;
@@ -60,8 +63,13 @@ bool readHeader(Session& session)
     // The sides are judged by checkPictureSize(), with a sentence of its own.
     png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
     png_set_chunk_malloc_max(png, largestProfileBytes);
-    png_set_option(png, PNG_SKIP_sRGB_CHECK_PROFILE, PNG_OPTION_ON);
+    // Texts and palettes may come any number of times, each inflated to the limit above; and a
+    // profile that libpng refuses takes gAMA and cHRM with it. See readChunks().
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER,
+                                reinterpret_cast<png_const_bytep>("tEXt\0zTXt\0iTXt\0sPLT\0iCCP"),
+                                5);
     png_read_info(png, info);
+    session.fileSamples = png_get_channels(png, info);
     session.width = png_get_image_width(png, info);
     session.height = png_get_image_height(png, info);
     session.depth = png_get_bit_depth(png, info);
@@ -102,12 +110,10 @@ void readEnd(Session& session)
 /// The most that deflate packs into a byte is 1032; a row begins with its filter's byte.
 double mostPixelsPerByte(const Session& session)
 {
-    const int samples = png_get_channels(session.png, session.info);
-    const int fileSamples = session.colorType == PNG_COLOR_TYPE_PALETTE ? 1 : samples;
-    return 1032.0 * 8 / (session.depth * fileSamples);
+    return 1032.0 * 8 / (session.depth * session.fileSamples);
 }
 
-/// gAMA and cHRM, in the absence of iCCP and sRGB.
+/// gAMA and cHRM, in the absence of sRGB; they count when there is no profile to use.
 std::optional<SampleConversion> describedColors(const Session& session, SampleType type)
 {
     double fileGamma = 0;
@@ -128,34 +134,85 @@ std::optional<SampleConversion> describedColors(const Session& session, SampleTy
     return conversionFrom(curve, hasPrimaries ? p : srgbPrimaries, type);
 }
 
-void readText(Session& session, ImageProperties& properties)
+/// Empty when the bytes are no whole zlib stream or hold more than the limit.
+std::vector<uint8_t> inflated(Bytes bytes, size_t limit)
 {
-    png_textp texts = nullptr;
-    const int count = png_get_text(session.png, session.info, &texts, nullptr);
-    for (int i = 0; i < count; ++i) {
-        const png_text& text = texts[i];
-        if (std::string_view(text.key) != "XML:com.adobe.xmp" || !text.text)
-            continue;
-        const size_t length =
-            text.compression >= PNG_ITXT_COMPRESSION_NONE ? text.itxt_length : text.text_length;
-        keepXmp(properties, {reinterpret_cast<const uint8_t*>(text.text), length});
+    for (size_t room = std::min(limit, size_t(1) << 16);; room = std::min(limit, room * 8)) {
+        std::vector<uint8_t> target(room);
+        uLongf length = room;
+        const int status = uncompress(target.data(), &length, bytes.data(), uLong(bytes.size()));
+        if (status == Z_OK) {
+            target.resize(length);
+            return target;
+        }
+        if (status != Z_BUF_ERROR || room == limit)
+            return {};
+    }
+}
+
+/// What stands before the next NUL, which is taken off with it.
+std::string_view takeText(Bytes& bytes)
+{
+    const auto end = std::find(bytes.begin(), bytes.end(), uint8_t(0));
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()),
+                                size_t(end - bytes.begin()));
+    bytes = bytes.subspan(std::min(text.size() + 1, bytes.size()));
+    return text;
+}
+
+void readProfile(Bytes chunk, DecoderOutput& output)
+{
+    takeText(chunk);
+    if (!chunk.empty() && chunk[0] == 0)
+        output.icc = inflated(chunk.subspan(1), largestProfileBytes);
+}
+
+void readInternationalText(Bytes chunk, ImageProperties& properties)
+{
+    if (takeText(chunk) != "XML:com.adobe.xmp" || chunk.size() < 2)
+        return;
+    const bool isCompressed = chunk[0] == 1;
+    chunk = chunk.subspan(2);
+    takeText(chunk); // language
+    takeText(chunk); // the keyword in it
+    if (isCompressed)
+        keepXmp(properties, inflated(chunk, largestXmpBytes));
+    else
+        keepXmp(properties, chunk);
+}
+
+/// The first profile and the first XMP packet, from the chunks that libpng is told to pass over.
+void readChunks(Bytes bytes, DecoderOutput& output)
+{
+    const ByteReader reader(bytes, true);
+    uint64_t at = 8;
+    while (at + 12 <= bytes.size()) {
+        const uint64_t length = reader.u32(at);
+        if (length > bytes.size() - at - 12)
+            return;
+        const Bytes named = reader.range(at + 4, length + 4);
+        const Bytes chunk = named.subspan(4);
+        const bool isProfile = startsWith(named, "iCCP") && output.icc.empty();
+        const bool isText = startsWith(named, "iTXt") && output.properties.xmp.empty();
+        if ((isProfile || isText)
+            && crc32(0, named.data(), uInt(named.size())) == reader.u32(at + 8 + length)) {
+            if (isProfile)
+                readProfile(chunk, output);
+            else
+                readInternationalText(chunk, output.properties);
+        }
+        at += length + 12;
     }
 }
 
 void readMetadata(Session& session, DecoderOutput& output)
 {
-    png_charp name = nullptr;
-    int compression = 0;
-    png_bytep profile = nullptr;
+    output.described = describedColors(session, output.bitmap->type());
     png_uint_32 length = 0;
-    if (png_get_iCCP(session.png, session.info, &name, &compression, &profile, &length))
-        keepBlock(output.icc, {profile, length}, largestProfileBytes);
-    else
-        output.described = describedColors(session, output.bitmap->type());
     png_bytep exif = nullptr;
     if (png_get_eXIf_1(session.png, session.info, &length, &exif) && exif)
         keepBlock(output.properties.exif, withoutExifPrefix({exif, length}), largestExifBytes);
-    readText(session, output.properties);
+    readChunks(session.bytes, output);
 }
 
 } // namespace

@@ -176,6 +176,7 @@ File heif(const std::array<double, 3>& color, const HeifOptions& options)
         describeHeif(image, options);
         heif_encoding_options* encoding = heif_encoding_options_alloc();
         encoding->macOS_compatibility_workaround_no_nclx_profile = 0;
+        encoding->save_two_colr_boxes_when_ICC_and_nclx_available = 1;
         encoding->image_orientation = heif_orientation(options.orientation);
         heif_image_handle* handle = nullptr;
         if (heif_context_encode_image(context, image, encoder, encoding, &handle).code

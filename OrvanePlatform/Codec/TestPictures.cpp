@@ -15,6 +15,7 @@
 
 #include <sys/mman.h>
 #include <unistd.h>
+#include <zlib.h>
 
 namespace orvane::test {
 
@@ -243,6 +244,41 @@ File png(const PngOptions& options)
             png_write_row(png, pngRow(options, y).data());
     png_write_end(png, info);
     png_destroy_write_struct(&png, &info);
+    return file;
+}
+
+void appendNumber(File& file, size_t number)
+{
+    for (int shift = 24; shift >= 0; shift -= 8)
+        file.push_back(uint8_t(number >> shift));
+}
+
+File pngChunk(const std::string& name, const File& data)
+{
+    File chunk;
+    appendNumber(chunk, data.size());
+    chunk.insert(chunk.end(), name.begin(), name.end());
+    chunk.insert(chunk.end(), data.begin(), data.end());
+    appendNumber(chunk, crc32(0, chunk.data() + 4, uInt(chunk.size() - 4)));
+    return chunk;
+}
+
+File deflated(const File& data)
+{
+    File target(compressBound(data.size()));
+    uLongf size = target.size();
+    compress2(target.data(), &size, data.data(), data.size(), 9);
+    target.resize(size);
+    return target;
+}
+
+File pngWith(File file, const std::vector<File>& chunks)
+{
+    constexpr ptrdiff_t headerEnd = 8 + 25;
+    File more;
+    for (const File& chunk : chunks)
+        more.insert(more.end(), chunk.begin(), chunk.end());
+    file.insert(file.begin() + headerEnd, more.begin(), more.end());
     return file;
 }
 

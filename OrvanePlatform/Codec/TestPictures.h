@@ -51,6 +51,12 @@ struct PngOptions {
     std::function<void(png_struct_def*, png_info_def*)> describe = {};
 };
 File png(const PngOptions& options = {});
+File pngChunk(const std::string& name, const File& data);
+/// The file with more chunks behind its header.
+File pngWith(File file, const std::vector<File>& chunks);
+/// A zlib stream.
+File deflated(const File& data);
+void appendNumber(File& file, size_t number); ///< big-endian, of 32 bits
 
 struct TiffOptions {
     int photometric = 2;
@@ -77,8 +83,8 @@ struct HeifOptions {
     File icc = {};
     File exif = {};
 };
-/// A picture of one colour, 96 x 64, given in sRGB-like samples, in lossless or near lossless coding. Empty
-/// when libheif has no encoder for it.
+/// A picture of one colour, 96 x 64, given in sRGB-like samples, in lossless or near lossless
+/// coding. Empty when libheif has no encoder for it.
 File heif(const std::array<double, 3>& color, const HeifOptions& options = {});
 
 File webp(bool hasAlpha, const File& icc = {}, const File& exif = {}, const std::string& xmp = {});

@@ -94,47 +94,76 @@ void labToColor(Bitmap& bitmap)
     });
 }
 
+/// Whether the bitmap and what it is converted to fit the budget together.
+/// colorFromInks() makes a smaller one than is counted here.
+Result<void> checkConversion(const Bitmap& bitmap, int colors, uint64_t budget)
+{
+    const int converted = 3 + bitmap.channels() - colors;
+    const size_t both = size_t(bitmap.channels()) * sampleSize(bitmap.type())
+        + size_t(converted) * (bitmap.type() == SampleType::U8 ? 2 : 4);
+    return checkMemory(uint64_t(bitmap.width()), uint64_t(bitmap.height()), both, budget);
+}
+
+/// CMYK and floats, which never stay as they are stored.
+Result<std::shared_ptr<const Bitmap>> colorFromRare(std::shared_ptr<Bitmap> bitmap,
+                                                    const ColorProfile* profile, bool adobeRgb,
+                                                    uint64_t budget)
+{
+    const bool inks = bitmap->type() != SampleType::F32;
+    if (inks || profile)
+        if (auto fits = checkConversion(*bitmap,
+                                        inks                          ? 4
+                                            : bitmap->channels() >= 3 ? 3
+                                                                      : 1,
+                                        budget);
+            !fits)
+            return fits.error();
+    if (auto converted = profile ? profile->converted(*bitmap) : nullptr)
+        return std::shared_ptr<const Bitmap>(std::move(converted));
+    if (inks)
+        return std::shared_ptr<const Bitmap>(colorFromInks(*bitmap));
+    decodeFloats(*bitmap, FloatCoding::Encoded, adobeRgb);
+    return std::shared_ptr<const Bitmap>(std::move(bitmap));
+}
+
 } // namespace
 
-std::shared_ptr<const Bitmap> applyColor(DecoderOutput& output, bool exifSaysAdobeRgb)
+Result<std::shared_ptr<const Bitmap>> applyColor(DecoderOutput& output, bool exifSaysAdobeRgb,
+                                                 uint64_t budget)
 {
     std::shared_ptr<Bitmap> bitmap = std::move(output.bitmap);
     if (output.model == SampleModel::Lab) {
         labToColor(*bitmap);
         decodeFloats(*bitmap, FloatCoding::Linear, false);
-        return bitmap;
+        return std::shared_ptr<const Bitmap>(std::move(bitmap));
     }
     const bool inks = output.model == SampleModel::Cmyk;
     const int colors = inks ? 4 : bitmap->channels() >= 3 ? 3 : 1;
     const auto profile = ColorProfile::parsed(output.icc);
     const bool matches = profile && profile->channels() == colors;
-    if (inks) {
-        auto converted = matches ? profile->converted(*bitmap) : nullptr;
-        return converted ? converted : colorFromInks(*bitmap);
-    }
-    if (bitmap->type() == SampleType::F32) {
-        auto converted = matches ? profile->converted(*bitmap) : nullptr;
-        if (converted)
-            return converted;
-        decodeFloats(*bitmap, FloatCoding::Encoded, exifSaysAdobeRgb);
-        return bitmap;
-    }
+    if (inks || bitmap->type() == SampleType::F32)
+        return colorFromRare(std::move(bitmap), matches ? &*profile : nullptr, exifSaysAdobeRgb,
+                             budget);
     // Grey samples with an RGB profile, and the reverse, take its curves.
     if (profile && profile->channels() != 4) {
         if (auto conversion = profile->conversion(bitmap->type())) {
             bitmap->conversion = std::move(*conversion);
             if (!matches)
                 bitmap->conversion.matrix.reset();
-            return bitmap;
+            return std::shared_ptr<const Bitmap>(std::move(bitmap));
         }
-        if (auto converted = matches ? profile->converted(*bitmap) : nullptr)
-            return converted;
+        if (matches) {
+            if (auto fits = checkConversion(*bitmap, colors, budget); !fits)
+                return fits.error();
+            if (auto converted = profile->converted(*bitmap))
+                return std::shared_ptr<const Bitmap>(std::move(converted));
+        }
     }
     if (output.described)
         bitmap->conversion = std::move(*output.described);
     else if (exifSaysAdobeRgb)
         bitmap->conversion = adobeRgbConversion(bitmap->type());
-    return bitmap;
+    return std::shared_ptr<const Bitmap>(std::move(bitmap));
 }
 
 } // namespace orvane

@@ -34,7 +34,9 @@ private:
 
 /// Gives the decoder's bitmap its colours, by the first that is usable: the embedded profile, what
 /// the file says itself, Adobe RGB when the Exif block asks for it, sRGB. Float samples, CMYK and
-/// Lab become linear sRGB here. Null when memory runs out.
-std::shared_ptr<const Bitmap> applyColor(DecoderOutput& output, bool exifSaysAdobeRgb);
+/// Lab become linear sRGB here. Fails when a second bitmap is needed for that and the two together
+/// are more bytes than the budget.
+Result<std::shared_ptr<const Bitmap>> applyColor(DecoderOutput& output, bool exifSaysAdobeRgb,
+                                                 uint64_t budget = memoryBudget());
 
 } // namespace orvane

@@ -224,6 +224,37 @@ TEST(ColorProfile, brokenProfilesCountAsNone)
         expectPixel(uniform(icc, {1, 0, 0}), {1, 0, 0}, 1e-6);
 }
 
+TEST(ColorProfile, aConversionAsksForTheMemoryOfBothPictures)
+{
+    struct Case {
+        SampleType type;
+        SampleModel model;
+        File icc;
+        uint64_t bytes; ///< of 10 x 10 pixels, before and after
+    };
+    for (const Case& c : {Case{SampleType::U8, SampleModel::Color, tableProfile(false), 900},
+                          Case{SampleType::U16, SampleModel::Color, tableProfile(false), 1800},
+                          Case{SampleType::F32, SampleModel::Color, tableProfile(false), 2400},
+                          Case{SampleType::U8, SampleModel::Cmyk, tableProfile(true), 1000},
+                          Case{SampleType::U8, SampleModel::Color, {}, 0}}) {
+        for (const uint64_t missing : {0, 1}) {
+            if (missing > c.bytes)
+                continue;
+            DecoderOutput output;
+            output.model = c.model;
+            output.icc = c.icc;
+            output.bitmap = std::make_shared<Bitmap>(10, 10, c.model == SampleModel::Cmyk ? 4 : 3,
+                                                     c.type, AlphaKind::None);
+            std::fill_n(output.bitmap->row(0), output.bitmap->byteSize(), uint8_t(0));
+            const auto result = applyColor(output, false, c.bytes - missing);
+            EXPECT_EQ(result.ok() ? "" : result.error().message,
+                      missing == 0 ? ""
+                                   : "This picture is 10 × 10 pixels, which is more than this "
+                                     "computer's memory can hold.");
+        }
+    }
+}
+
 TEST(ColorProfile, exifAndPngHints)
 {
     struct Case {

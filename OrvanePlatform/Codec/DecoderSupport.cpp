@@ -15,16 +15,6 @@ std::string sizeText(uint64_t width, uint64_t height)
     return std::to_string(width) + " × " + std::to_string(height) + " pixels";
 }
 
-/// Half of the machine's memory: the editor and the desktop need the rest.
-uint64_t memoryBudget()
-{
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long pageBytes = sysconf(_SC_PAGESIZE);
-    if (pages <= 0 || pageBytes <= 0)
-        return uint64_t(4) << 30;
-    return uint64_t(pages) * uint64_t(pageBytes) / 2;
-}
-
 template <class Sample> void unpremultiplyRow(Sample* samples, int width, int channels)
 {
     constexpr bool integer = sizeof(Sample) < 4;
@@ -57,6 +47,24 @@ void keepXmp(ImageProperties& properties, Bytes packet)
     properties.xmp.assign(packet.begin(), end);
 }
 
+uint64_t memoryBudget()
+{
+    // The other half is for the editor and the desktop.
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long pageBytes = sysconf(_SC_PAGESIZE);
+    if (pages <= 0 || pageBytes <= 0)
+        return uint64_t(4) << 30;
+    return uint64_t(pages) * uint64_t(pageBytes) / 2;
+}
+
+Result<void> checkMemory(uint64_t width, uint64_t height, size_t bytesPerPixel, uint64_t budget)
+{
+    if (width * height * bytesPerPixel > budget)
+        return Error{"This picture is " + sizeText(width, height)
+                     + ", which is more than this computer's memory can hold."};
+    return {};
+}
+
 Result<void> checkPictureSize(uint64_t width, uint64_t height, size_t bytesPerPixel,
                               size_t fileBytes, double pixelsPerByte)
 {
@@ -73,10 +81,7 @@ Result<void> checkPictureSize(uint64_t width, uint64_t height, size_t bytesPerPi
                      + " megapixels."};
     if (double(pixels) > (double(fileBytes) + 1024) * pixelsPerByte)
         return Error{sentence::endsEarly};
-    if (pixels * bytesPerPixel > memoryBudget())
-        return Error{"This picture is " + sizeText(width, height)
-                     + ", which is more than this computer's memory can hold."};
-    return {};
+    return checkMemory(width, height, bytesPerPixel, memoryBudget());
 }
 
 uint64_t ByteReader::number(uint64_t offset, int byteCount) const

@@ -63,6 +63,12 @@ constexpr const char* partlyDamaged = "The file is damaged; parts of the picture
 constexpr int largestSide = 65535;
 constexpr int largestMegapixels = 1000;
 
+/// The most bytes that opening one picture may take: half of the machine's memory.
+uint64_t memoryBudget();
+
+/// Whether this many bytes for each pixel stay within the budget.
+Result<void> checkMemory(uint64_t width, uint64_t height, size_t bytesPerPixel, uint64_t budget);
+
 /// Whether a picture of this size may be decoded, asked before anything is allocated for it.
 /// bytesPerPixel counts the bitmap and what the decoder needs beside it. pixelsPerByte is the most
 /// that the format can hold in one byte of file: a larger picture cannot be complete.

@@ -4,6 +4,7 @@
 #include "ExifReader.h"
 #include "FormatDecoders.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <new>
@@ -83,13 +84,16 @@ constexpr Decoder decoders[] = {
     {PictureFormat::Raw, decodeRaw},
 };
 
-DecodedPicture finished(DecoderOutput output, PictureFormat format)
+Result<DecodedPicture> finished(DecoderOutput output, PictureFormat format)
 {
     DecodedPicture picture;
     const ExifSummary exif = takeOrientation(output.properties.exif);
     neutralizeOrientation(output.properties.xmp);
     picture.orientation = output.orientation != 0 ? output.orientation : exif.orientation;
-    picture.bitmap = applyColor(output, exif.isAdobeRgb);
+    auto bitmap = applyColor(output, exif.isAdobeRgb);
+    if (!bitmap)
+        return bitmap.error();
+    picture.bitmap = std::move(*bitmap);
     picture.properties = std::move(output.properties);
     picture.format = format;
     picture.note = std::move(output.note);
@@ -126,6 +130,22 @@ Error systemFailure(int code)
     default:
         return Error{std::string("The file cannot be read: ") + std::strerror(code) + "."};
     }
+}
+
+/// Reads on until `size` bytes are filled or the file ends.
+Result<void> readUpTo(int file, uint8_t* bytes, size_t size, size_t& filled)
+{
+    while (filled < size) {
+        const ssize_t count = read(file, bytes + filled, size - filled);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return systemFailure(errno);
+        if (count == 0)
+            break;
+        filled += size_t(count);
+    }
+    return {};
 }
 
 } // namespace
@@ -181,21 +201,22 @@ Result<DecodedPicture> decodePictureFile(const std::filesystem::path& path)
     if (!S_ISREG(status.st_mode))
         return Error{sentence::notAPicture};
     const size_t size = size_t(status.st_size);
+    // The first bytes tell what needs no more reading.
+    std::vector<uint8_t> start(std::min(size, size_t(1) << 16));
+    size_t filled = 0;
+    if (auto done = readUpTo(file.number(), start.data(), start.size(), filled); !done)
+        return done.error();
+    if (filled > 0 && detectPictureFormat({start.data(), filled}) == PictureFormat::Unknown)
+        return Error{sentence::notAPicture};
+    if (size > memoryBudget())
+        return Error{"The file is larger than this computer's memory can hold."};
     // Read, not mapped: a mapped file that another program shortens ends this one.
     const std::unique_ptr<uint8_t[]> bytes(new (std::nothrow) uint8_t[size + 1]);
     if (!bytes)
         return Error{sentence::noMemory};
-    size_t filled = 0;
-    while (filled < size) {
-        const ssize_t count = read(file.number(), bytes.get() + filled, size - filled);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return systemFailure(errno);
-        if (count == 0)
-            break;
-        filled += size_t(count);
-    }
+    std::copy_n(start.begin(), filled, bytes.get());
+    if (auto done = readUpTo(file.number(), bytes.get(), size, filled); !done)
+        return done.error();
     return decodePicture({bytes.get(), filled});
 }
 

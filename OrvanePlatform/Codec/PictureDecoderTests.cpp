@@ -392,6 +392,15 @@ TEST(PictureDecoder, readsWhatAFileIsNotWhatItIsCalled)
     EXPECT_EQ(picture->format, PictureFormat::Png);
     EXPECT_EQ(decodePictureFile(folder).error().message, sentence::notAPicture);
     EXPECT_EQ(decodePictureFile(folder / "none").error().message, "The file is no longer there.");
+    // Files with holes, which would take forever to read.
+    for (const auto& [start, message] :
+         {std::pair{"no picture", sentence::notAPicture},
+          std::pair{"\x89PNG\r\n\x1a\n",
+                    "The file is larger than this computer's memory can hold."}}) {
+        std::ofstream(folder / "huge", std::ios::binary) << start;
+        std::filesystem::resize_file(folder / "huge", uintmax_t(1) << 43);
+        EXPECT_EQ(decodePictureFile(folder / "huge").error().message, message);
+    }
     std::filesystem::remove_all(folder);
 }
 

@@ -65,6 +65,7 @@ void CIPreviewView::setMessage(const QString& message)
 void CIPreviewView::take(const RenderedPicture& picture)
 {
     m_picture.set(picture);
+    m_failure = tr(picture.failure);
     m_view.frame = m_picture.frame();
     m_awaitsPaint = !m_picture.isEmpty();
     updateCursor();
@@ -141,7 +142,7 @@ void CIPreviewView::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), surround);
     if (m_picture.isEmpty()) {
         painter.setPen(palette().color(QPalette::PlaceholderText));
-        painter.drawText(rect(), Qt::AlignCenter, m_message);
+        painter.drawText(rect(), Qt::AlignCenter, m_failure.isEmpty() ? m_message : m_failure);
         return;
     }
     // In whole device pixels: at a fractional scale the view itself may begin between two, and any

@@ -61,6 +61,7 @@ private:
     ScreenPicture m_picture;
     CanvasView m_view;
     QString m_message;
+    QString m_failure; ///< of the last render; shown in the message's place
     std::optional<QPointF> m_press; ///< where the left button went down, in view points
     std::optional<CGPoint> m_panAtDrag; ///< present while a drag pans
     bool m_awaitsPaint = false;

@@ -11,6 +11,18 @@ namespace {
 /// The grade, the comparison and one more, at 15 MB each for a full proxy.
 constexpr size_t keptPictures = 3;
 
+RenderedPicture renderedOrWhyNot(const RenderScheduler::Render& render,
+                                 const CancellationToken& token)
+{
+    // What throws here is memory alone. A future that holds an exception would never call back.
+    try {
+        return render(token);
+    } catch (const std::exception&) {
+        return {.failure = QT_TRANSLATE_NOOP("orvane::CIPreviewView",
+                                             "There is not enough memory to show the picture.")};
+    }
+}
+
 } // namespace
 
 RenderScheduler::RenderScheduler(QThreadPool& pool, std::chrono::milliseconds debounce)
@@ -69,12 +81,15 @@ void RenderScheduler::start()
     const auto token = std::make_shared<CancellationToken>();
     m_running = token;
     QtConcurrent::run(&m_pool, [render = std::move(m_pending), token] {
-        return render(*token);
+        return renderedOrWhyNot(render, *token);
     }).then(this, [this, token, key = *m_wanted](const RenderedPicture& picture) {
         if (token->isCancelled())
             return;
         m_running.reset();
-        keep(key, picture);
+        if (picture.picture.isNull())
+            m_wanted.reset();
+        else
+            keep(key, picture);
         Q_EMIT rendered(picture);
     });
 }

@@ -19,8 +19,9 @@ namespace orvane {
 
 /// A picture ready for the screen.
 struct RenderedPicture {
-    QImage picture; ///< null when the render yielded nothing
-    QImage fitted; ///< the same at the size on screen, in device pixels; null when not reduced
+    QImage picture = {}; ///< null when the render yielded nothing
+    QImage fitted = {}; ///< the same at the size on screen, in device pixels; null when not reduced
+    const char* failure = ""; ///< one sentence, when there is no picture for a reason to tell
 };
 
 /// Decides which renders run. Only the newest request counts: a new one cancels what runs, and the
@@ -40,7 +41,7 @@ public:
     ~RenderScheduler() override;
 
     /// Nothing happens when the key is the present one. The last few pictures are kept: one of
-    /// these comes back at once, without a render.
+    /// these comes back at once, without a render. One that failed is rendered when asked again.
     void request(const RenderKey& key, Render render, Start start);
     /// Cancels what runs and forgets the kept pictures.
     void clear();

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <new>
 
 namespace orvane {
 namespace {
@@ -24,10 +25,11 @@ class RenderSchedulerTest : public testing::Test {
 protected:
     RenderSchedulerTest()
     {
-        QObject::connect(&scheduler, &RenderScheduler::rendered,
-                         [this](const RenderedPicture& picture) {
-                             shown.push_back(picture.picture.pixelColor(0, 0).red());
-                         });
+        QObject::connect(
+            &scheduler, &RenderScheduler::rendered, [this](const RenderedPicture& picture) {
+                shown.push_back(picture.picture.isNull() ? failed
+                                                         : picture.picture.pixelColor(0, 0).red());
+            });
     }
     ~RenderSchedulerTest() override { pool.waitForDone(); }
 
@@ -50,6 +52,7 @@ protected:
     }
 
     using Start = RenderScheduler::Start;
+    static constexpr int failed = -1;
     std::atomic<int> started = 0;
     std::vector<int> shown;
     QThreadPool pool;
@@ -106,6 +109,17 @@ TEST_F(RenderSchedulerTest, APictureShownBeforeComesBackWithoutARender)
     scheduler.request(key(1), counted(1), Start::AtOnce);
     waitUntilShown(4);
     EXPECT_EQ(started, 3) << "forgotten with the picture they came from";
+}
+
+TEST_F(RenderSchedulerTest, AFailedRenderIsToldAndDoneAnewWhenAskedAgain)
+{
+    scheduler.request(
+        key(1), [](const CancellationToken&) -> RenderedPicture { throw std::bad_alloc(); },
+        Start::AtOnce);
+    waitUntilShown(1);
+    scheduler.request(key(1), counted(1), Start::AtOnce);
+    waitUntilShown(2);
+    EXPECT_EQ(shown, (std::vector{failed, 1}));
 }
 
 TEST(RenderKeyTest, HoldsWhatChangesThePictureAndOnlyThat)

@@ -1,10 +1,13 @@
 #include "MainWindow.h"
+#include "PathText.h"
 #include "QtPanels.h"
 #include "StartTrace.h"
 #include "Theme.h"
 
 #include <QApplication>
 #include <QThreadPool>
+
+#include <algorithm>
 
 int main(int argc, char** argv)
 {
@@ -41,8 +44,15 @@ int main(int argc, char** argv)
 
     // What Qt left of the arguments are files, also those that are not there: they get their word.
     const QStringList arguments = QApplication::arguments().mid(1);
-    if (!paths.empty() && size_t(arguments.size()) == paths.size())
-        window.adopt(opening, paths);
+    std::vector<std::filesystem::path> named;
+    for (const QString& argument : arguments)
+        named.push_back(pathFromText(argument));
+    const auto missing = std::stable_partition(named.begin(), named.end(), [](const auto& path) {
+        std::error_code none;
+        return std::filesystem::exists(path, none);
+    });
+    if (!paths.empty() && std::equal(named.begin(), missing, paths.begin(), paths.end()))
+        window.adopt(withMissing({missing, named.end()}, opening), paths);
     else if (!arguments.isEmpty())
         window.open(arguments);
 

@@ -1,6 +1,6 @@
 #include "ExportOverlay.h"
 
-#include <QEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QProgressBar>
@@ -15,6 +15,7 @@ ExportOverlay::ExportOverlay(QWidget* canvas)
     , m_cancel(new QPushButton(tr("Cancel")))
 {
     setCursor(Qt::ArrowCursor);
+    setFocusPolicy(Qt::StrongFocus);
     auto* progress = new QProgressBar;
     progress->setRange(0, 0);
     progress->setTextVisible(false);
@@ -29,11 +30,7 @@ ExportOverlay::ExportOverlay(QWidget* canvas)
     hide();
     canvas->installEventFilter(this);
 
-    connect(m_cancel, &QPushButton::clicked, this, [this] {
-        m_cancel->setEnabled(false);
-        m_label->setText(tr("Stopping…"));
-        Q_EMIT cancelled();
-    });
+    connect(m_cancel, &QPushButton::clicked, this, &ExportOverlay::cancel);
 }
 
 void ExportOverlay::begin()
@@ -43,7 +40,27 @@ void ExportOverlay::begin()
     setGeometry(parentWidget()->rect());
     show();
     raise();
-    m_cancel->setFocus();
+    // Not the button: a Space meant for the picture would press it.
+    setFocus();
+}
+
+void ExportOverlay::end()
+{
+    const QWidget* focused = window()->focusWidget();
+    const bool hadFocus = focused == this || isAncestorOf(focused);
+    hide();
+    if (hadFocus)
+        parentWidget()->setFocus();
+}
+
+void ExportOverlay::cancel()
+{
+    if (!m_cancel->isEnabled())
+        return;
+    setFocus();
+    m_cancel->setEnabled(false);
+    m_label->setText(tr("Stopping…"));
+    Q_EMIT cancelled();
 }
 
 bool ExportOverlay::eventFilter(QObject* canvas, QEvent* event)
@@ -51,6 +68,14 @@ bool ExportOverlay::eventFilter(QObject* canvas, QEvent* event)
     if (event->type() == QEvent::Resize)
         setGeometry(parentWidget()->rect());
     return QWidget::eventFilter(canvas, event);
+}
+
+void ExportOverlay::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape)
+        cancel();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void ExportOverlay::paintEvent(QPaintEvent*)

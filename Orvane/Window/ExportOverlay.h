@@ -7,7 +7,8 @@ class QPushButton;
 
 namespace orvane {
 
-/// Lies over the canvas while a file is being written: dims it, says so and offers to stop.
+/// Lies over the canvas while a file is being written: dims it, says so and offers to stop, by
+/// button or Escape.
 class ExportOverlay final : public QWidget {
     Q_OBJECT
 
@@ -16,16 +17,20 @@ public:
     explicit ExportOverlay(QWidget* canvas);
 
     void begin();
-    void end() { hide(); }
+    /// Gives the focus back to the canvas if it lies here.
+    void end();
 
 Q_SIGNALS:
     void cancelled();
 
 protected:
     bool eventFilter(QObject* canvas, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void cancel();
+
     QLabel* m_label;
     QPushButton* m_cancel;
 };

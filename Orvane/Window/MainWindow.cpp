@@ -47,12 +47,6 @@ bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b)
     return std::filesystem::equivalent(a, b, none);
 }
 
-bool isCompareKey(const QKeyEvent& event)
-{
-    return !event.isAutoRepeat() && (event.key() == Qt::Key_B || event.key() == Qt::Key_Backslash)
-        && !(event.modifiers() & ~Qt::KeypadModifier);
-}
-
 } // namespace
 
 /// A command of the menus: everything about it in one row.
@@ -172,6 +166,13 @@ void MainWindow::makeActions()
          {"Ctrl+1"},
          When::WithPicture,
          &MainWindow::zoomToActualSize},
+        // Two keys: on many layouts the first is hard to reach.
+        {"compare",
+         "View",
+         "Show Original",
+         {"\\", "B"},
+         When::WithPicture,
+         &MainWindow::toggleComparing},
     };
     QMenu* menu = nullptr;
     for (const ActionRow& row : table) {
@@ -188,6 +189,8 @@ void MainWindow::makeActions()
         connect(action, &QAction::triggered, this, row.handler);
         m_actions.emplace_back(action, row.when);
     }
+    m_compareAction = findChild<QAction*>("compare");
+    m_compareAction->setAutoRepeat(false);
     updateActions();
 }
 
@@ -250,11 +253,11 @@ void MainWindow::adopt(const QFuture<PictureOpening>& opening,
                        const std::vector<std::filesystem::path>& paths)
 {
     const int number = ++m_openingNumber;
-    m_canvas->setMessage(tr("Opening %1…").arg(inQuotes(paths.front())));
+    m_openingText = tr("Opening %1…").arg(inQuotes(paths.front()));
+    m_canvas->setMessage(m_openingText);
     if (!m_picture)
         m_column->setCurrentWidget(m_canvas);
-    else
-        m_noteLabel->setText(tr("Opening %1…").arg(inQuotes(paths.front())));
+    showStatus();
     QFuture<PictureOpening>(opening).then(this, [this, number](const PictureOpening& result) {
         if (number == m_openingNumber)
             take(result);
@@ -263,12 +266,21 @@ void MainWindow::adopt(const QFuture<PictureOpening>& opening,
 
 void MainWindow::take(const PictureOpening& opening)
 {
+    m_openingText.clear();
     m_canvas->setMessage({});
+    showStatus();
+    const int number = m_openingNumber;
+    // Only here is it known that the picture will be replaced, and by the whole edit.
+    if (opening.picture && !mayDropEdit())
+        return;
+    if (number != m_openingNumber)
+        return;
     if (opening.picture) {
         setComparing(false);
         m_picture = opening.picture;
         m_state = {};
         m_state.adjust = Schema::file().defaults;
+        m_keptState = m_state;
         if (opening.unopened > 0)
             m_picture->note = tr("Only the first of the %1 pictures is shown.")
                                   .arg(opening.unopened + 1)
@@ -288,16 +300,30 @@ void MainWindow::take(const PictureOpening& opening)
         tellFailures(opening);
 }
 
+bool MainWindow::mayDropEdit()
+{
+    if (!m_picture || m_state == m_keptState)
+        return true;
+    return m_panels.confirm(
+        tr("Discard your edits to %1?").arg(inQuotes(m_picture->path)),
+        tr("They haven't been exported since the last change. Export first to keep them."),
+        tr("Discard"));
+}
+
 void MainWindow::tellFailures(const PictureOpening& opening)
 {
     const auto count = opening.failures.size();
-    QStringList lines;
-    for (const auto& failure : opening.failures)
-        lines << inQuotes(failure.path) + ": " + QString::fromStdString(failure.reason);
+    QStringList names;
+    QStringList reasons;
+    for (const auto& failure : opening.failures) {
+        names << textFromPath(failure.path.filename());
+        reasons << inQuotes(failure.path) + ": " + QString::fromStdString(failure.reason);
+    }
+    const QString informative = tr("Not a readable image: %1").arg(names.join(", "));
     const QString message = opening.picture ? tr("1 opened, %1 couldn't be read").arg(count)
         : count == 1                        ? tr("Couldn't open that file")
                                             : tr("Couldn't open those files");
-    m_panels.alert(message, lines.join('\n'));
+    m_panels.alert(message, informative + '\n' + reasons.join('\n'));
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -334,11 +360,17 @@ void MainWindow::setAdjust(const std::string& key, double value)
     refreshCanvas();
 }
 
+void MainWindow::toggleComparing()
+{
+    setComparing(!m_comparing);
+}
+
 void MainWindow::setComparing(bool comparing)
 {
     if (m_comparing == comparing || !m_picture)
         return;
     m_comparing = comparing;
+    m_compareAction->setText(comparing ? tr("Show Edited") : tr("Show Original"));
     refreshCanvas();
     showStatus();
 }
@@ -365,38 +397,13 @@ void MainWindow::showStatus()
         text += "   " + QString::fromStdString(m_picture->note);
     if (m_comparing)
         text += "   " + tr("Original");
-    m_noteLabel->setText(text);
+    m_noteLabel->setText(m_openingText.isEmpty() ? text : m_openingText);
 
     const CanvasView& view = m_canvas->mapping();
     const double percent =
         100 * fitScale(view.size, m_picture->source.extent().size) * effectiveZoom(view);
     m_zoomLabel->setText(view.zoom == 1 ? tr("Fit, %1%").arg(std::lround(percent))
                                         : tr("%1%").arg(std::lround(percent)));
-}
-
-void MainWindow::keyPressEvent(QKeyEvent* event)
-{
-    if (isCompareKey(*event))
-        setComparing(true);
-    else
-        QMainWindow::keyPressEvent(event);
-}
-
-void MainWindow::keyReleaseEvent(QKeyEvent* event)
-{
-    if (!event->isAutoRepeat() && m_comparing
-        && (event->key() == Qt::Key_B || event->key() == Qt::Key_Backslash))
-        setComparing(false);
-    else
-        QMainWindow::keyReleaseEvent(event);
-}
-
-void MainWindow::changeEvent(QEvent* event)
-{
-    // The key's release goes to whichever window is active by then.
-    if (event->type() == QEvent::ActivationChange && !isActiveWindow())
-        setComparing(false);
-    QMainWindow::changeEvent(event);
 }
 
 // ---- Export ----
@@ -408,7 +415,9 @@ void MainWindow::askExport()
     const ExportCommand command{*m_picture, m_state, m_sourceVersion};
     connect(dialog, &QDialog::accepted, this, [this, dialog, command] {
         m_exportOptions = dialog->options();
-        exportImage(command);
+        // When the dialog is done: it may be deleted while the next one is asked.
+        QMetaObject::invokeMethod(
+            this, [this, command] { exportImage(command); }, Qt::QueuedConnection);
     });
     dialog->open();
 }
@@ -428,6 +437,7 @@ void MainWindow::exportImage(const ExportCommand& command)
         return;
     }
     m_exportName = name;
+    m_exporting = command;
     m_exporter.start({command.picture.source, command.state, options, *target});
     m_overlay->begin();
     updateActions();
@@ -437,6 +447,9 @@ void MainWindow::exportEnded(const Exporter::End& end)
 {
     m_overlay->end();
     updateActions();
+    if (end.isWritten && m_exporting->version == m_sourceVersion)
+        m_keptState = m_exporting->state;
+    m_exporting.reset();
     if (!end.failure.empty())
         tellExportFailure(m_exportName, end.failure);
 }
@@ -449,12 +462,12 @@ void MainWindow::tellExportFailure(const std::string& name, const std::string& f
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    const bool mayClose = !m_exporter.isRunning()
+    const bool mayStop = !m_exporter.isRunning()
         || m_panels.confirm(
             tr("Stop the export?"),
             tr("%1 is still being written.").arg(inQuotes(std::filesystem::path(m_exportName))),
             tr("Stop and Close"));
-    event->setAccepted(mayClose);
+    event->setAccepted(mayStop && mayDropEdit());
 }
 
 } // namespace orvane

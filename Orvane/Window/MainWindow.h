@@ -41,9 +41,6 @@ Q_SIGNALS:
     void firstPicturePainted();
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override;
-    void keyReleaseEvent(QKeyEvent* event) override;
-    void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
@@ -72,8 +69,11 @@ private:
     void openByPanel();
     void openFiles(const std::vector<std::filesystem::path>& paths);
     void take(const PictureOpening& opening);
+    /// Asks, when there is an edit that would be lost with its picture.
+    bool mayDropEdit();
     void tellFailures(const PictureOpening& opening);
     void setAdjust(const std::string& key, double value);
+    void toggleComparing();
     void setComparing(bool comparing);
     void refreshCanvas();
     void showStatus();
@@ -97,11 +97,16 @@ private:
 
     std::optional<OpenedPicture> m_picture;
     EditState m_state;
+    EditState m_keptState; ///< what can be lost without a question: the edit at the opening, or as
+                           ///< last exported
     int m_sourceVersion = 0;
     bool m_comparing = false;
+    QAction* m_compareAction = nullptr;
+    QString m_openingText; ///< while a picture is being decoded
     int m_openingNumber = 0; ///< of the newest opening: the results of older ones are dropped
     ExportOptions m_exportOptions;
     std::string m_exportName; ///< the suggested name of the export in flight
+    std::optional<ExportCommand> m_exporting;
 };
 
 } // namespace orvane

@@ -3,6 +3,7 @@
 #include "AtomicFile.h"
 #include "BakeChain.h"
 #include "ExportDialog.h"
+#include "ExportOverlay.h"
 #include "PathText.h"
 #include "PictureDecoder.h"
 #include "QtPanels.h"
@@ -13,8 +14,12 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDir>
 #include <QDropEvent>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QPushButton>
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThreadPool>
 #include <QUrl>
@@ -43,13 +48,19 @@ public:
     {
         alerts << message + " | " + informative;
     }
-    bool confirm(const QString&, const QString&, const QString&) override { return true; }
+    bool confirm(const QString& message, const QString&, const QString&) override
+    {
+        questions << message;
+        return agrees;
+    }
 
     std::vector<std::filesystem::path> toOpen;
     std::optional<std::filesystem::path> target;
     std::filesystem::path suggested;
     std::function<void()> whileAsking = [] {}; ///< in the save panel's own event loop
+    bool agrees = true;
     QStringList alerts;
+    QStringList questions;
 };
 
 /// The real window, offscreen, with a folder of pictures.
@@ -108,6 +119,14 @@ protected:
         dialog->findChild<QComboBox*>("format")->setCurrentIndex(int(ExportFormat::png));
         dialog->accept();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::sendPostedEvents(&window, QEvent::MetaCall);
+    }
+    /// One job at a time, the first of which waits for `mayGoOn`: what is started stays queued.
+    void holdThePool(QSemaphore& mayGoOn)
+    {
+        pool.waitForDone();
+        pool.setMaxThreadCount(1);
+        pool.start([&mayGoOn] { mayGoOn.acquire(); });
     }
     void exportTo(const std::filesystem::path& target)
     {
@@ -219,18 +238,28 @@ TEST_F(MainWindowTest, ZoomKeepsThePointUnderThePointerAndADragPans)
     EXPECT_EQ(canvas.mapping().pan, CGPoint{});
 }
 
-TEST_F(MainWindowTest, HoldingTheCompareKeyShowsTheUngradedPicture)
+TEST_F(MainWindowTest, TheCompareKeysShowTheUngradedPictureAndAgainTheEdit)
 {
     open(makePicture("a.png"));
     window.panel().row("exposure").setValue(60);
     waitFor([&] { return colorAt(darkGrey).red() > 51; });
     const QColor graded = colorAt(darkGrey);
+    window.activateWindow();
+    waitFor([&] { return window.isActiveWindow(); });
     for (const Qt::Key key : {Qt::Key_B, Qt::Key_Backslash}) {
-        QTest::keyPress(&window, key);
+        EXPECT_EQ(action("compare").text(), "Show Original");
+        QTest::keyClick(&window, key);
         waitFor([&] { return colorAt(darkGrey) == QColor(51, 51, 51); });
-        QTest::keyRelease(&window, key);
+        EXPECT_EQ(action("compare").text(), "Show Edited");
+        QTest::keyClick(&window, key);
         waitFor([&] { return colorAt(darkGrey) == graded; });
     }
+    QLineEdit& field = window.panel().row("exposure").field();
+    field.setFocus();
+    field.clear();
+    QTest::keyClicks(&field, "b\\");
+    EXPECT_EQ(field.text(), "b\\") << "a text field keeps its letters";
+    EXPECT_EQ(action("compare").text(), "Show Original");
 }
 
 TEST_F(MainWindowTest, WhatCannotBeOpenedIsToldAndThePictureStays)
@@ -243,12 +272,15 @@ TEST_F(MainWindowTest, WhatCannotBeOpenedIsToldAndThePictureStays)
     open(good);
     window.open({textFromPath(broken)});
     waitFor([&] { return panels.alerts.size() == 1; });
-    EXPECT_EQ(panels.alerts[0].toStdString(), "Couldn't open that file | “broken.jpg”: " + reason);
+    EXPECT_EQ(panels.alerts[0].toStdString(),
+              "Couldn't open that file | Not a readable image: broken.jpg\n“broken.jpg”: "
+                  + reason);
     EXPECT_EQ(colorAt(darkGrey), QColor(51, 51, 51));
 
     window.open({textFromPath(broken), textFromPath(folder() / "gone.png")});
     waitFor([&] { return panels.alerts.size() == 2; });
-    EXPECT_TRUE(panels.alerts[1].startsWith("Couldn't open those files | “broken.jpg”: "));
+    EXPECT_TRUE(panels.alerts[1].startsWith("Couldn't open those files | Not a readable image: "
+                                            "broken.jpg, gone.png\n“broken.jpg”: "));
     EXPECT_TRUE(panels.alerts[1].endsWith("“gone.png”: The file is no longer there."));
 }
 
@@ -323,6 +355,81 @@ TEST_F(MainWindowTest, AnExportIsOfThePictureItWasAskedFor)
     ASSERT_EQ(panels.alerts.size(), 1);
     EXPECT_TRUE(panels.alerts[0].startsWith("Couldn't export “first-edit.png” | "));
     EXPECT_EQ(*readFile(first, 1 << 20), *original);
+}
+
+TEST_F(MainWindowTest, ACancelledExportLeavesTheTargetAsItWas)
+{
+    const auto target = folder() / "out.png";
+    ASSERT_TRUE(writeFile(target, "what was there"));
+    const auto before = readFile(target, 1 << 20);
+    open(makePicture("a.png"));
+    auto& overlay = *window.findChild<ExportOverlay*>();
+    const std::function<void()> waysToCancel[] = {
+        [&] { QTest::mouseClick(overlay.findChild<QPushButton*>(), Qt::LeftButton); },
+        [&] { QTest::keyClick(window.focusWidget(), Qt::Key_Escape); }};
+    for (const auto& cancel : waysToCancel) {
+        QSemaphore mayStart;
+        holdThePool(mayStart);
+        startExportTo(target);
+        EXPECT_FALSE(action("export").isEnabled());
+        QTest::keyClick(window.focusWidget(), Qt::Key_Space);
+        EXPECT_TRUE(overlay.findChild<QPushButton*>()->isEnabled()) << "a stray Space is nothing";
+        cancel();
+        mayStart.release();
+        waitFor([&] { return action("export").isEnabled(); });
+        EXPECT_FALSE(overlay.isVisible());
+        EXPECT_EQ(*readFile(target, 1 << 20), *before);
+    }
+    EXPECT_TRUE(panels.alerts.isEmpty());
+    EXPECT_EQ(QDir(temporary.path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
+}
+
+TEST_F(MainWindowTest, OfTwoOpeningsOnlyTheLaterIsShown)
+{
+    const auto first = makePicture("first.png");
+    const auto second = makePicture("second.png");
+    QStringList titles;
+    QObject::connect(&window, &QWidget::windowTitleChanged,
+                     [&](const QString& title) { titles << title; });
+    QSemaphore mayStart;
+    holdThePool(mayStart);
+    window.open({textFromPath(first)});
+    window.open({textFromPath(second)});
+    mayStart.release();
+    waitFor([&] { return !titles.isEmpty(); });
+    pool.waitForDone();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(titles, QStringList{"second.png — Orvane"});
+}
+
+TEST_F(MainWindowTest, AnEditThatIsNowhereElseIsNotDroppedUnasked)
+{
+    const auto first = makePicture("first.png");
+    const auto second = makePicture("second.png");
+    const auto tryToOpen = [&](const std::filesystem::path& path) {
+        panels.questions.clear();
+        const QString before = window.windowTitle();
+        window.open({textFromPath(path)});
+        waitFor([&] { return !panels.questions.isEmpty() || window.windowTitle() != before; });
+    };
+    tryToOpen(first);
+    tryToOpen(second);
+    EXPECT_TRUE(panels.questions.isEmpty());
+
+    panels.agrees = false;
+    window.panel().row("exposure").setValue(50);
+    tryToOpen(first);
+    EXPECT_EQ(panels.questions, QStringList{"Discard your edits to “second.png”?"});
+    EXPECT_EQ(window.windowTitle(), "second.png — Orvane");
+    EXPECT_FALSE(window.close());
+
+    exportTo(folder() / "out.png");
+    tryToOpen(first);
+    EXPECT_TRUE(panels.questions.isEmpty()) << "exported";
+    window.panel().row("exposure").setValue(50);
+    panels.agrees = true;
+    EXPECT_TRUE(window.close());
+    EXPECT_EQ(panels.questions.size(), 1);
 }
 
 TEST(WithExtension, AppendsTheFormatsUnlessOneOfItsOwnIsThere)

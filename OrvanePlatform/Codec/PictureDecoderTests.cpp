@@ -335,6 +335,24 @@ TEST(PictureDecoder, aFlatPngWithATransparentColourIsWhole)
     EXPECT_EQ(picture->bitmap->row(3999)[2 * 4999 + 1], 0);
 }
 
+/// A little-endian TIFF with other numbers in its first directory.
+File withTags(File file, const std::vector<std::pair<uint16_t, uint32_t>>& tags)
+{
+    const ByteReader reader(file, false);
+    const uint64_t directory = reader.u32(4);
+    for (int i = 0; i < reader.u16(directory); ++i) {
+        const uint64_t entry = directory + 2 + uint64_t(i) * 12;
+        for (const auto& [tag, value] : tags) {
+            if (reader.u16(entry) != tag)
+                continue;
+            file[entry + 2] = TIFF_LONG;
+            for (size_t byte = 0; byte < 4; ++byte)
+                file[entry + 8 + byte] = uint8_t(value >> (8 * byte));
+        }
+    }
+    return file;
+}
+
 TEST(PictureDecoder, sentences)
 {
     const File whole = jpeg({}, 400, 300);
@@ -353,6 +371,16 @@ TEST(PictureDecoder, sentences)
             file[29 + i] = uint8_t(sum >> (24 - 8 * i));
         return file;
     };
+    const File giantTile = withTags(tiff({.isTiled = true}),
+                                    {{TIFFTAG_TILEWIDTH, 16384}, {TIFFTAG_TILELENGTH, 16384}});
+    // 6000 x 6000 pixels of 32 bytes; what follows could hold as many.
+    File giantStrip = withTags(
+        tiff({.samples = 16,
+              .bits = 16,
+              .compression = COMPRESSION_ADOBE_DEFLATE,
+              .extraSample = 0}),
+        {{TIFFTAG_IMAGEWIDTH, 6000}, {TIFFTAG_IMAGELENGTH, 6000}, {TIFFTAG_ROWSPERSTRIP, 6000}});
+    giantStrip.resize(size_t(2) << 20);
     File noMarker = whole;
     noMarker.resize(noMarker.size() - 2);
     const struct {
@@ -371,6 +399,11 @@ TEST(PictureDecoder, sentences)
         {"a png bomb", giantPng(30000), sentence::endsEarly},
         {"a giant png", giantPng(65535),
          "This picture is 65535 × 65535 pixels; Orvane opens pictures of up to 1000 megapixels."},
+        {"a giant tile", giantTile,
+         "This TIFF file's tiles are far larger than its picture, which Orvane does not read."},
+        {"a giant strip", giantStrip,
+         "This TIFF file stores its picture in pieces of more than 1 GB, which Orvane cannot "
+         "read."},
         {"complete but for its last marker", noMarker, ""},
         {"complete", whole, ""},
     };

@@ -13,6 +13,11 @@ namespace {
 
 constexpr size_t mostStripBytes = size_t(1) << 30;
 constexpr int mostSamples = 16;
+/// Tiles of up to this are let pass, however small the picture.
+constexpr uint64_t usualTileBytes = uint64_t(8) << 20;
+
+constexpr const char* largePieces =
+    "This TIFF file stores its picture in pieces of more than 1 GB, which Orvane cannot read.";
 
 struct Source {
     Bytes bytes;
@@ -203,19 +208,48 @@ Description describe(TIFF* tiff)
     return description;
 }
 
+uint32_t rowsPerStrip(TIFF* tiff, const TiffLayout& layout)
+{
+    return std::clamp(field<uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP, UINT32_MAX), uint32_t(1),
+                      uint32_t(layout.height));
+}
+
+/// Whether a strip or a tile is of a size to read, asked before anything is allocated for it.
+Result<void> checkPieces(TIFF* tiff, const TiffLayout& layout)
+{
+    if (!TIFFIsTiled(tiff)) {
+        const uint64_t rowBytes = layout.rowBytes(layout.width);
+        if (TIFFScanlineSize64(tiff) != rowBytes)
+            return Error{sentence::damaged};
+        if (rowBytes * rowsPerStrip(tiff, layout) > mostStripBytes)
+            return Error{largePieces};
+        return {};
+    }
+    const uint64_t width = field<uint32_t>(tiff, TIFFTAG_TILEWIDTH, 0);
+    const uint64_t height = field<uint32_t>(tiff, TIFFTAG_TILELENGTH, 0);
+    if (width == 0 || height == 0 || width > 65536 || height > 65536)
+        return Error{sentence::damaged};
+    const uint64_t tileBytes = layout.rowBytes(int(width)) * height;
+    if (TIFFTileSize64(tiff) != tileBytes)
+        return Error{sentence::damaged};
+    const uint64_t pictureBytes = layout.rowBytes(layout.width) * uint64_t(layout.height);
+    if (tileBytes > usualTileBytes && tileBytes / 4 > pictureBytes)
+        return Error{"This TIFF file's tiles are far larger than its picture, which Orvane does "
+                     "not read."};
+    if (tileBytes > mostStripBytes)
+        return Error{largePieces};
+    return {};
+}
+
 bool readStrips(TIFF* tiff, const TiffLayout& layout, Bitmap& bitmap)
 {
-    const uint32_t rowsPerStrip =
-        std::clamp(field<uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP, UINT32_MAX), uint32_t(1),
-                   uint32_t(layout.height));
+    const uint32_t stripRows = rowsPerStrip(tiff, layout);
     const size_t rowBytes = layout.rowBytes(layout.width);
-    if (size_t(TIFFScanlineSize64(tiff)) != rowBytes || rowBytes * rowsPerStrip > mostStripBytes)
-        return false;
     const int planes = layout.isPlanar ? layout.samples : 1;
-    std::vector<uint8_t> strip(layout.isPlainCopy() ? 0 : rowBytes * rowsPerStrip);
+    std::vector<uint8_t> strip(layout.isPlainCopy() ? 0 : rowBytes * stripRows);
     for (int plane = 0; plane < planes; ++plane) {
-        for (uint32_t y = 0; y < uint32_t(layout.height); y += rowsPerStrip) {
-            const uint32_t rows = std::min(rowsPerStrip, uint32_t(layout.height) - y);
+        for (uint32_t y = 0; y < uint32_t(layout.height); y += stripRows) {
+            const uint32_t rows = std::min(stripRows, uint32_t(layout.height) - y);
             uint8_t* const target = strip.empty() ? bitmap.row(int(y)) : strip.data();
             const tmsize_t wanted = tmsize_t(rowBytes * rows);
             const uint32_t number = TIFFComputeStrip(tiff, y, uint16_t(plane));
@@ -233,12 +267,8 @@ bool readTiles(TIFF* tiff, const TiffLayout& layout, Bitmap& bitmap)
 {
     const uint32_t tileWidth = field<uint32_t>(tiff, TIFFTAG_TILEWIDTH, 0);
     const uint32_t tileHeight = field<uint32_t>(tiff, TIFFTAG_TILELENGTH, 0);
-    if (tileWidth == 0 || tileHeight == 0 || tileWidth > 65536 || tileHeight > 65536)
-        return false;
     const size_t rowBytes = layout.rowBytes(int(tileWidth));
     const size_t tileBytes = rowBytes * tileHeight;
-    if (size_t(TIFFTileSize64(tiff)) != tileBytes || tileBytes > mostStripBytes)
-        return false;
     const int planes = layout.isPlanar ? layout.samples : 1;
     std::vector<uint8_t> tile(tileBytes);
     for (int plane = 0; plane < planes; ++plane) {
@@ -365,6 +395,8 @@ Result<DecoderOutput> decodeTiff(Bytes bytes)
                 ? failure()
                 : Error{"This TIFF file stores its samples in a way that Orvane cannot read."};
     } else {
+        if (auto readable = checkPieces(tiff.get(), layout); !readable)
+            return readable.error();
         output.bitmap = std::make_shared<Bitmap>(
             layout.width, layout.height, layout.outputChannels(), layout.outputType(),
             layout.alphaSample >= 0 ? AlphaKind::Straight : AlphaKind::None);

@@ -1,3 +1,4 @@
+#include "DecoderSupport.h"
 #include "FormatDecoders.h"
 #include "PictureDecoder.h"
 #include "TestPictures.h"
@@ -57,6 +58,15 @@ TEST(RawDecoder, unknownSensorShowsItsPreview)
     file.resize(64);
     EXPECT_EQ(decodePicture(file).error().message,
               "This camera's raw format is one that Orvane cannot read.");
+}
+
+TEST(RawDecoder, aCutFileIsDamagedAndNotUnknown)
+{
+    const File whole = dng(8192, 32768, 16384);
+    const File cut(whole.begin(), whole.begin() + ptrdiff_t(whole.size() / 2));
+    const auto picture = decodePicture(cut);
+    EXPECT_EQ(picture.ok() ? picture->note : picture.error().message,
+              picture.ok() ? sentence::partlyDamaged : sentence::damaged);
 }
 
 } // namespace

@@ -24,8 +24,10 @@ protected:
     int channels() const;
     size_t pixelBytes() const;
     ByteSink& sink() { return m_sink; }
-    /// The library's complaint, or the sink's own reason when it was the sink that failed.
-    Error failure(const std::string& libraryMessage);
+    /// The format's library could not do it; its own words are not for users.
+    Error codingFailure() const;
+    /// The sink's own reason.
+    Error sinkFailure() const { return Error{m_sink.failure()}; }
 
 private:
     Result<void> remembered(Result<void> result);

@@ -53,7 +53,6 @@ protected:
 private:
     heif_error prepareCoder(heif_context* context, heif_encoder** coder) const;
     heif_error addMetadata(heif_context* context, const heif_image_handle* handle) const;
-    Error failed(const heif_error& error) const;
     static heif_error write(heif_context*, const void* data, size_t size, void* sink);
 
     Owned<heif_image, releaseImage> m_image;
@@ -78,12 +77,7 @@ Result<void> HeifEncoder::begin()
     if (error.code == heif_error_Ok)
         error = heif_image_set_raw_color_profile(image, "prof", srgbProfile().data(),
                                                  srgbProfile().size());
-    return error.code == heif_error_Ok ? Result<void>() : failed(error);
-}
-
-Error HeifEncoder::failed(const heif_error& error) const
-{
-    return Error{std::string("The HEIC file could not be made: ") + error.message + "."};
+    return error.code == heif_error_Ok ? Result<void>() : codingFailure();
 }
 
 Result<void> HeifEncoder::encodeRows(const uint8_t* rows, int count, size_t rowBytes)
@@ -148,10 +142,13 @@ Result<void> HeifEncoder::complete()
     if (error.code == heif_error_Ok)
         error = addMetadata(context.get(), handle);
     if (error.code != heif_error_Ok)
-        return failed(error);
+        return codingFailure();
     heif_writer writer = {1, write};
     error = heif_context_write(context.get(), &writer, &sink());
-    return error.code == heif_error_Ok ? Result<void>() : failure({});
+    if (error.code == heif_error_Ok)
+        return {};
+    return error.subcode == heif_suberror_Cannot_write_output_data ? sinkFailure()
+                                                                   : codingFailure();
 }
 
 } // namespace

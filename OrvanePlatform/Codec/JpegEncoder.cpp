@@ -28,7 +28,7 @@ struct Destination {
 struct ErrorManager {
     jpeg_error_mgr base = {};
     std::jmp_buf escape = {};
-    std::array<char, JMSG_LENGTH_MAX> message = {}; // stays empty when it is the sink that failed
+    bool isSinks = false; // it was the sink that failed
 };
 
 ErrorManager& errors(j_common_ptr info)
@@ -38,7 +38,6 @@ ErrorManager& errors(j_common_ptr info)
 
 [[noreturn]] void leave(j_common_ptr info)
 {
-    errors(info).base.format_message(info, errors(info).message.data());
     std::longjmp(errors(info).escape, 1);
 }
 
@@ -52,8 +51,11 @@ Destination& destination(j_compress_ptr info)
 void writeOut(j_compress_ptr info, size_t size)
 {
     Destination& self = destination(info);
-    if (!self.sink->write(self.buffer.data(), size))
-        std::longjmp(errors(reinterpret_cast<j_common_ptr>(info)).escape, 1);
+    if (!self.sink->write(self.buffer.data(), size)) {
+        ErrorManager& manager = errors(reinterpret_cast<j_common_ptr>(info));
+        manager.isSinks = true;
+        std::longjmp(manager.escape, 1);
+    }
     self.base.next_output_byte = self.buffer.data();
     self.base.free_in_buffer = self.buffer.size();
 }
@@ -142,21 +144,19 @@ public:
         m_segments = metadataSegments(settings().properties);
         const bool done = start();
         m_segments.clear();
-        return done ? Result<void>() : failure(m_errors.message.data());
+        return done ? Result<void>() : failure();
     }
 
 protected:
     Result<void> encodeRows(const uint8_t* rows, int count, size_t rowBytes) override
     {
-        return writeScanlines(rows, count, rowBytes) ? Result<void>()
-                                                     : failure(m_errors.message.data());
+        return writeScanlines(rows, count, rowBytes) ? Result<void>() : failure();
     }
-    Result<void> complete() override
-    {
-        return end() ? Result<void>() : failure(m_errors.message.data());
-    }
+    Result<void> complete() override { return end() ? Result<void>() : failure(); }
 
 private:
+    Error failure() const { return m_errors.isSinks ? sinkFailure() : codingFailure(); }
+
     // The three that call the library hold nothing that a jump past their end would leave
     // undestroyed.
     bool start();

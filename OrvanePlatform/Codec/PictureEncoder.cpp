@@ -123,9 +123,14 @@ Result<void> EncoderBase::finish()
     return {};
 }
 
-Error EncoderBase::failure(const std::string& libraryMessage)
+Error EncoderBase::codingFailure() const
 {
-    return Error{libraryMessage.empty() ? m_sink.failure() : libraryMessage};
+    const auto row = std::find_if(formats.begin(), formats.end(), [&](const FormatRow& candidate) {
+        return candidate.format == m_settings.format;
+    });
+    const std::string depth =
+        m_settings.format == EncodedFormat::Tiff && m_settings.bits == 16 ? " (16-bit)" : "";
+    return Error{"The image couldn't be encoded as " + std::string(row->name) + depth + "."};
 }
 
 } // namespace orvane

@@ -1,11 +1,8 @@
 #include "EncoderBase.h"
 #include "SrgbProfile.h"
 
-#include <array>
 #include <bit>
 #include <csetjmp>
-#include <cstdio>
-#include <cstring>
 
 #include <png.h>
 #include <zlib.h>
@@ -36,17 +33,18 @@ public:
     }
     ~PngEncoder() override { png_destroy_write_struct(&m_png, &m_info); }
 
-    Result<void> begin() { return start() ? Result<void>() : failure(m_message.data()); }
+    Result<void> begin() { return start() ? Result<void>() : failure(); }
 
 protected:
     Result<void> encodeRows(const uint8_t* rows, int count, size_t rowBytes) override
     {
-        return writeScanlines(rows, count, rowBytes) ? Result<void>() : failure(m_message.data());
+        return writeScanlines(rows, count, rowBytes) ? Result<void>() : failure();
     }
-    Result<void> complete() override { return end() ? Result<void>() : failure(m_message.data()); }
+    Result<void> complete() override { return end() ? Result<void>() : failure(); }
 
 private:
-    static void fail(png_structp png, const char* message);
+    Error failure() const { return m_sinkFailed ? sinkFailure() : codingFailure(); }
+    static void fail(png_structp png, const char*);
     static void ignore(png_structp, const char*) { }
     static void write(png_structp png, png_bytep data, size_t size);
     static void flush(png_structp) { }
@@ -60,21 +58,21 @@ private:
 
     png_structp m_png = nullptr;
     png_infop m_info = nullptr;
-    std::array<char, 200> m_message = {}; // stays empty when it is the sink that failed
+    bool m_sinkFailed = false;
 };
 
-void PngEncoder::fail(png_structp png, const char* message)
+void PngEncoder::fail(png_structp png, const char*)
 {
-    auto* self = static_cast<PngEncoder*>(png_get_error_ptr(png));
-    std::snprintf(self->m_message.data(), self->m_message.size(), "%s", message);
     png_longjmp(png, 1);
 }
 
 void PngEncoder::write(png_structp png, png_bytep data, size_t size)
 {
     auto* self = static_cast<PngEncoder*>(png_get_io_ptr(png));
-    if (!self->sink().write(data, size))
+    if (!self->sink().write(data, size)) {
+        self->m_sinkFailed = true;
         png_longjmp(png, 1);
+    }
 }
 
 bool PngEncoder::start()

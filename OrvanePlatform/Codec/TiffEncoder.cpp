@@ -153,7 +153,7 @@ bool TiffEncoder::open()
 Result<void> TiffEncoder::begin()
 {
     if (!open())
-        return failure({});
+        return sinkFailure();
     describePixels();
     writeBlocks();
     return writeExif();
@@ -221,7 +221,7 @@ Result<void> TiffEncoder::writeExif()
             continue;
         const auto offset = appendIfd(sink(), std::move(entries), kind);
         if (!offset)
-            return failure({});
+            return sinkFailure();
         TIFFSetField(m_tiff, tag, *offset);
     }
     return {};
@@ -267,7 +267,7 @@ Result<void> TiffEncoder::flushStrip()
 {
     const tmsize_t size = tmsize_t(m_strip.size());
     if (TIFFWriteEncodedStrip(m_tiff, m_stripIndex++, m_strip.data(), size) != size)
-        return failure({});
+        return sinkFailure();
     m_strip.clear();
     return {};
 }
@@ -278,7 +278,7 @@ Result<void> TiffEncoder::complete()
         if (Result<void> result = flushStrip(); !result)
             return result;
     if (TIFFWriteDirectory(m_tiff) != 1)
-        return failure({});
+        return sinkFailure();
     TIFFCleanup(m_tiff);
     m_tiff = nullptr;
     return {};

@@ -1,5 +1,6 @@
 #include "PictureEncoder.h"
 
+#include "EncoderBase.h"
 #include "EncoderTestSupport.h"
 #include "Metadata.h"
 #include "SrgbProfile.h"
@@ -402,6 +403,18 @@ TEST(PictureEncoder, RefusesWhatAFormatCannotHold)
         EXPECT_EQ(encoder.error().message, refusal.message);
         EXPECT_EQ(sink.size(), 0u);
     }
+}
+
+// Past the checks of makePictureEncoder, so that it is the library that refuses.
+TEST(PictureEncoder, SaysWhatCouldNotBeEncodedInWordsOfItsOwn)
+{
+    MemoryByteSink sink;
+    EXPECT_EQ(makeJpegEncoder({.width = 65501, .height = 9}, sink).error().message,
+              "The image couldn't be encoded as JPEG.");
+    EXPECT_EQ(makePngEncoder({.format = EncodedFormat::Png, .width = 0, .height = 9}, sink)
+                  .error()
+                  .message,
+              "The image couldn't be encoded as PNG.");
 }
 
 // The small file still lies in the sink's buffer after the last row: finish() must push it out.

@@ -41,6 +41,13 @@ std::string suggestedName(const std::filesystem::path& source, ExportFormat form
     return source.stem().string() + "-edit." + std::string(info(format).ext);
 }
 
+EditState untouched()
+{
+    EditState state;
+    state.adjust = Schema::file().defaults;
+    return state;
+}
+
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b)
 {
     std::error_code none;
@@ -278,8 +285,7 @@ void MainWindow::take(const PictureOpening& opening)
     if (opening.picture) {
         setComparing(false);
         m_picture = opening.picture;
-        m_state = {};
-        m_state.adjust = Schema::file().defaults;
+        m_state = untouched();
         m_keptState = m_state;
         if (opening.unopened > 0)
             m_picture->note = tr("Only the first of the %1 pictures is shown.")
@@ -302,7 +308,7 @@ void MainWindow::take(const PictureOpening& opening)
 
 bool MainWindow::mayDropEdit()
 {
-    if (!m_picture || m_state == m_keptState)
+    if (!m_picture || m_state == m_keptState || m_state == untouched())
         return true;
     return m_panels.confirm(
         tr("Discard your edits to %1?").arg(inQuotes(m_picture->path)),
@@ -430,7 +436,7 @@ void MainWindow::exportImage(const ExportCommand& command)
     const auto target = m_panels.exportTarget(source.parent_path() / name, info(options.format));
     if (!target)
         return;
-    if (isSameFile(*target, source)) {
+    if (isSameFile(*target, source) || isSameFile(*target, m_picture->path)) {
         tellExportFailure(
             name,
             tr("This is the original, which is never written. Choose another name.").toStdString());

@@ -97,8 +97,7 @@ private:
 
     std::optional<OpenedPicture> m_picture;
     EditState m_state;
-    EditState m_keptState; ///< what can be lost without a question: the edit at the opening, or as
-                           ///< last exported
+    EditState m_keptState; ///< as last exported
     int m_sourceVersion = 0;
     bool m_comparing = false;
     QAction* m_compareAction = nullptr;

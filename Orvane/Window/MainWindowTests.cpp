@@ -16,10 +16,12 @@
 #include <QComboBox>
 #include <QDir>
 #include <QDropEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSemaphore>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QThreadPool>
 #include <QUrl>
@@ -388,6 +390,7 @@ TEST_F(MainWindowTest, OfTwoOpeningsOnlyTheLaterIsShown)
 {
     const auto first = makePicture("first.png");
     const auto second = makePicture("second.png");
+    open(makePicture("before.png"));
     QStringList titles;
     QObject::connect(&window, &QWidget::windowTitleChanged,
                      [&](const QString& title) { titles << title; });
@@ -395,6 +398,8 @@ TEST_F(MainWindowTest, OfTwoOpeningsOnlyTheLaterIsShown)
     holdThePool(mayStart);
     window.open({textFromPath(first)});
     window.open({textFromPath(second)});
+    window.resize(900, 600);
+    EXPECT_EQ(window.statusBar()->findChild<QLabel*>()->text(), "Opening “second.png”…");
     mayStart.release();
     waitFor([&] { return !titles.isEmpty(); });
     pool.waitForDone();
@@ -424,7 +429,12 @@ TEST_F(MainWindowTest, AnEditThatIsNowhereElseIsNotDroppedUnasked)
     EXPECT_FALSE(window.close());
 
     exportTo(folder() / "out.png");
+    window.panel().row("exposure").setValue(0);
     tryToOpen(first);
+    EXPECT_TRUE(panels.questions.isEmpty()) << "back at the defaults";
+    window.panel().row("exposure").setValue(50);
+    exportTo(folder() / "out.png");
+    tryToOpen(second);
     EXPECT_TRUE(panels.questions.isEmpty()) << "exported";
     window.panel().row("exposure").setValue(50);
     panels.agrees = true;

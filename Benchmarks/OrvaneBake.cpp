@@ -15,13 +15,14 @@ using namespace orvane;
 
 namespace {
 
-constexpr const char* usage
-    = "orvane-bake INPUT EDIT.json OUTPUT [--quality N] [--long-edge N] [--png16]\n"
-      "            [--metadata keep|stripLocation|stripAll] [--lut FILE.cube] [--time]\n"
-      "\n"
-      "Bakes an edit into a new file, as the editor's export does. The format follows OUTPUT's\n"
-      "extension: jpg, png, heic or tiff. Quality is 0 to 100 (90 when not given). --time prints the\n"
-      "milliseconds of decoding, of drawing up the recipe with its intermediates, and of encoding.\n";
+constexpr const char* usage =
+    "orvane-bake INPUT EDIT.json OUTPUT [--quality N] [--long-edge N] [--png16]\n"
+    "            [--metadata keep|stripLocation|stripAll] [--lut FILE.cube] [--time]\n"
+    "\n"
+    "Bakes an edit into a new file, as the editor's export does. The format follows OUTPUT's\n"
+    "extension: jpg, png, heic or tiff. Quality is 0 to 100 (90 when not given). --time prints "
+    "the\n"
+    "milliseconds of decoding, of drawing up the recipe with its intermediates, and of encoding.\n";
 
 struct Arguments {
     std::string input;
@@ -93,8 +94,8 @@ Result<Arguments> parsed(int count, char** values)
     }
     if (fileCount < 3)
         return Error{"INPUT, EDIT.json and OUTPUT are needed."};
-    const auto format
-        = exportFormatOfExtension(std::filesystem::path(arguments.output).extension().string());
+    const auto format =
+        exportFormatOfExtension(std::filesystem::path(arguments.output).extension().string());
     if (!format)
         return Error{"OUTPUT must end in .jpg, .png, .heic or .tiff."};
     arguments.options.format = *format;
@@ -135,7 +136,8 @@ Result<std::optional<LUT>> readTable(const std::string& path)
 
 double millisecondsSince(std::chrono::steady_clock::time_point start)
 {
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
+        .count();
 }
 
 Result<void> bake(const Arguments& arguments)
@@ -156,7 +158,7 @@ Result<void> bake(const Arguments& arguments)
     const CIImage finished = finishedImage(imageFromPicture(*picture), *state, *table);
     DrawStatistics statistics;
     Result<void> written = exportFile(finished, arguments.options, arguments.output,
-                                            DrawOptions{.statistics = &statistics});
+                                      DrawOptions{.statistics = &statistics});
     if (!written)
         return written;
     if (arguments.time) {

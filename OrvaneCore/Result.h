@@ -12,8 +12,7 @@ struct Error {
 };
 
 /// A value, or the Error that stands in its place. For what can fail: files, codecs, JSON, network.
-template <class T>
-class [[nodiscard]] Result {
+template <class T> class [[nodiscard]] Result {
 public:
     Result(T value)
         : m_content(std::in_place_index<0>, std::move(value))
@@ -41,8 +40,7 @@ private:
 };
 
 /// Success without a value, or an Error.
-template <>
-class [[nodiscard]] Result<void> {
+template <> class [[nodiscard]] Result<void> {
 public:
     Result() = default;
     Result(Error error)

@@ -8,8 +8,8 @@ namespace orvane {
 /// their XMP counterparts, and those of the camera maker's own notes. All else stays.
 ImageProperties withoutLocation(const ImageProperties& properties);
 
-/// The properties as a new file is to carry them: orientation 1, no old thumbnail, colour space sRGB,
-/// and the pixel size given.
+/// The properties as a new file is to carry them: orientation 1, no old thumbnail, colour space
+/// sRGB, and the pixel size given.
 ImageProperties preparedForExport(const ImageProperties& properties, int width, int height);
 
 } // namespace orvane

@@ -485,5 +485,14 @@ TEST(ColorCurves, FollowTheLinesBetweenTheEntriesAsWritten)
     }
 }
 
+TEST(Vibrance, ABoostNeverTakesAnInGamutChannelBelowZero)
+{
+    // Not even by a rounding: later stages ask whether a picture has values below 0.
+    const CIImage image =
+        CIFilter::vibrance(opaqueImage(64, 64, randomFloats(64 * 64 * 3, 0, 1, 5)), 3);
+    for (const auto& pixels : {tiled(image, {0, 0, 64, 64}), reference(image, {0, 0, 64, 64})})
+        EXPECT_GE(*std::min_element(pixels.begin(), pixels.end()), 0.0f);
+}
+
 } // namespace
 } // namespace orvane

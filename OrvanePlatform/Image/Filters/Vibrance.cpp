@@ -48,7 +48,10 @@ struct Vibrance : StraightKernel<1> {
         // The bound is at least 1, so it holds boosts alone.
         const auto bounded = (least >= zero) & (y > least);
         k = select(bounded, min(k, y / select(bounded, y - least, one)), k);
-        return {mulAdd(c.r - y, k, y), mulAdd(c.g - y, k, y), mulAdd(c.b - y, k, y), c.a};
+        // The bounded channel lands on 0 but for a rounding, which must not leave it below.
+        const L lowest = select(bounded, zero, L(-3e38f));
+        return {max(mulAdd(c.r - y, k, y), lowest), max(mulAdd(c.g - y, k, y), lowest),
+                max(mulAdd(c.b - y, k, y), lowest), c.a};
     }
 };
 ORVANE_KERNEL_RUNS(Vibrance)

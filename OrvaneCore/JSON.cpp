@@ -7,7 +7,10 @@ JSON::JSON(JSON&&) noexcept = default;
 JSON& JSON::operator=(const JSON&) = default;
 JSON& JSON::operator=(JSON&&) noexcept = default;
 JSON::~JSON() = default;
-bool JSON::operator==(const JSON&) const = default;
+bool JSON::operator==(const JSON& other) const
+{
+    return m_content == other.m_content;
+}
 
 bool isUTF8(std::string_view text)
 {

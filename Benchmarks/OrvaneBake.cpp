@@ -1,8 +1,7 @@
 // orvane-bake: the export's own chain without a window, to measure, compare and reproduce.
 
-#include "AtomicFile.h"
 #include "BakeChain.h"
-#include "EditStateJSON.h"
+#include "BenchmarkInputs.h"
 #include "PictureDecoder.h"
 
 #include <charconv>
@@ -31,6 +30,7 @@ struct Arguments {
     std::string lut;
     ExportOptions options;
     bool time = false;
+    bool passes = false;
 };
 
 std::optional<double> number(const char* text)
@@ -80,6 +80,8 @@ Result<Arguments> parsed(int count, char** values)
             arguments.options.png16 = true;
         } else if (word == "--time") {
             arguments.time = true;
+        } else if (word == "--passes") {
+            arguments.passes = true;
         } else if (word == "--quality" || word == "--long-edge" || word == "--metadata"
                    || word == "--lut") {
             if (i + 1 >= count)
@@ -100,25 +102,6 @@ Result<Arguments> parsed(int count, char** values)
         return Error{"OUTPUT must end in .jpg, .png, .heic or .tiff."};
     arguments.options.format = *format;
     return arguments;
-}
-
-Result<std::string> textFile(const std::string& path)
-{
-    Result<std::vector<uint8_t>> bytes = readFile(path, size_t(64) << 20);
-    if (!bytes)
-        return bytes.error();
-    return std::string(bytes->begin(), bytes->end());
-}
-
-Result<EditState> readEdit(const std::string& path)
-{
-    Result<std::string> text = textFile(path);
-    if (!text)
-        return text.error();
-    Result<EditState> state = decodeEditState(*text);
-    if (!state)
-        return Error{path + ": " + state.error().message};
-    return state;
 }
 
 Result<std::optional<LUT>> readTable(const std::string& path)
@@ -168,6 +151,11 @@ Result<void> bake(const Arguments& arguments)
                     decoded, statistics.drawMilliseconds, statistics.sinkMilliseconds, total,
                     statistics.passes, statistics.storedImages,
                     double(statistics.peakStoredBytes) / 1e6);
+    }
+    for (const PassStatistics& pass : statistics.passTimes) {
+        if (arguments.passes)
+            std::printf("%8.1f ms %7.2f MP  %s\n", pass.milliseconds, pass.megapixels,
+                        pass.operations.c_str());
     }
     return {};
 }

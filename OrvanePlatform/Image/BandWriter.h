@@ -6,53 +6,63 @@
 #include "ThreadPool.h"
 #include "TilePlanes.h"
 
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <vector>
 
 namespace orvane {
 
-/// Hands out the tiles of a picture band by band from the top, narrows what is drawn, and writes
-/// each finished band to the sink in order. Whoever is free writes: on n workers there are n
-/// threads, not n + 1, and the sink is called from one at a time.
+/// Takes the finished bands of a picture, from the top, and writes them to the sink in that order,
+/// as a job of the pool: whoever finds no tile to draw writes. On n workers there are n threads,
+/// not n + 1, and the sink is called from one at a time.
 class BandWriter {
 public:
-    BandWriter(const PixelRect& rect, int tileWidth, int tileHeight, int workers, RowSink& sink,
-               const CancellationToken* cancellation);
+    BandWriter(const PixelRect& rect, ThreadPool& pool, RowSink& sink);
+    ~BandWriter();
+    BandWriter(const BandWriter&) = delete;
+    BandWriter& operator=(const BandWriter&) = delete;
 
-    /// Draws one tile or writes one band.
-    ThreadPool::Step step(const std::function<TilePlanes(const PixelRect&)>& draw);
-    /// After the last step.
-    Result<void> result() const;
+    /// Memory for the next band, `rows` high; waits, or writes, while too many are unwritten. False
+    /// when the sink has failed.
+    bool begin(const PixelRect& rows);
+    /// Part of the band that was begun. From several threads at once.
+    void narrow(const TilePlanes& planes, const PixelRect& tile);
+    /// The band that was begun is complete.
+    void end();
+    /// Writes what is left.
+    Result<void> finish();
     /// Time spent within the sink.
     double sinkMilliseconds() const { return m_sinkMilliseconds; }
 
 private:
-    PixelRect bandRect(int band) const;
-    uint8_t* bandMemory(int band) { return m_memory[size_t(band % m_ahead)].data(); }
-    void narrow(const TilePlanes& planes, const PixelRect& tile, int band);
-    void writeBand(int band, std::unique_lock<std::mutex>& lock);
+    struct Band {
+        PixelRect rect;
+        std::vector<uint8_t> pixels;
+        bool complete = false;
+    };
+
+    ThreadPool::Step writeNext();
+    bool hasRoom();
+    void stop();
 
     PixelRect m_rect;
-    int m_tileWidth;
-    int m_tileHeight;
+    ThreadPool& m_pool;
     RowSink& m_sink;
-    const CancellationToken* m_cancellation;
     PixelFormat m_format;
     size_t m_rowBytes;
-    int m_bands;
-    int m_tilesAcross;
-    int m_ahead; ///< bands in memory at once
 
     std::mutex m_mutex;
-    std::vector<std::vector<uint8_t>> m_memory;
-    std::vector<int> m_unfinished; ///< tiles still to come, by band
-    int m_nextTile = 0;
-    int m_written = 0;
+    std::deque<Band> m_bands; ///< not yet written
+    Band* m_drawing = nullptr; ///< the last of them; a deque's elements stay where they are
+    std::vector<std::vector<uint8_t>> m_spare;
     bool m_writing = false;
     bool m_stopped = false;
     Result<void> m_result;
     double m_sinkMilliseconds = 0;
+
+    ThreadPool::Job m_job;
+    std::shared_ptr<ThreadPool::Running> m_running; ///< last: it uses everything above
 };
 
 } // namespace orvane

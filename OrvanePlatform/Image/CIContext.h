@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace orvane {
@@ -32,12 +33,20 @@ struct CGImage {
     std::vector<uint8_t> pixels;
 };
 
+/// One walk over an image, as a draw saw it.
+struct PassStatistics {
+    std::string operations; ///< in the order of drawing
+    double megapixels = 0; ///< drawn; of a reduced blur, cells
+    double milliseconds = 0; ///< wall time, all workers together
+};
+
 /// What one draw did: for tests, benchmarks and the curious.
 struct DrawStatistics {
     int passes = 0; ///< fused walks over an image, those of reduced blurs included
     int storedImages = 0; ///< intermediates drawn into memory
     int reusedImages = 0; ///< intermediates taken from the cache
     size_t peakStoredBytes = 0;
+    std::vector<PassStatistics> passTimes;
     double drawMilliseconds = 0; ///< the whole draw, wall time
     double sinkMilliseconds = 0; ///< of it, within the sink; other workers go on drawing meanwhile
 };

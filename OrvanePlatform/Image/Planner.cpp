@@ -30,6 +30,7 @@ namespace {
 constexpr double windowLimit = 1.35;
 constexpr int defaultTileWidth = 256;
 constexpr int defaultTileHeight = 128;
+constexpr int coarseTileHeight = 32;
 /// Floats of one plane that a tile's widest step may hold; above it tiles shrink.
 constexpr double widestStep = 4.0 * defaultTileWidth * defaultTileHeight;
 
@@ -158,13 +159,37 @@ private:
         StoredPlan stored;
         stored.node = &node;
         stored.form = form;
-        if (form == StoredPlan::Form::ReducedBlur)
+        if (form == StoredPlan::Form::ReducedBlur) {
             stored.factor = blurReduction(node.as<GaussianNode>()->sigma);
+            stored.averages = storedAverages(node, stored.factor);
+        }
         const int index = int(m_plan.stored.size());
         m_plan.stored.push_back(stored);
         m_storedIndex[node.digest] = index;
+        if (form == StoredPlan::Form::ReducedBlur) {
+            PlanPass pass;
+            pass.target = index;
+            PlanStep averages;
+            averages.node = &node;
+            averages.stored = stored.averages;
+            pass.steps.push_back(std::move(averages));
+            m_plan.passes.push_back(std::move(pass));
+            return index;
+        }
         const bool whole = form == StoredPlan::Form::Whole;
         collectPass(whole ? node : *node.inputs.front(), index, whole);
+        return index;
+    }
+
+    int storedAverages(const Node& blur, int factor)
+    {
+        StoredPlan stored;
+        stored.node = &blur;
+        stored.form = StoredPlan::Form::Averages;
+        stored.factor = factor;
+        const int index = int(m_plan.stored.size());
+        m_plan.stored.push_back(stored);
+        collectPass(*blur.inputs.front(), index, false);
         return index;
     }
 
@@ -198,9 +223,7 @@ private:
         if (node.as<SourceNode>() || m_whole.count(node.digest) || isKeptReduction(node)
             || isReducedBlur(node) || node.as<HistogramNode>())
             return false;
-        if (isStructure(node))
-            return !node.inputs.empty() && worthStoring(*node.inputs.front());
-        return dependsOnSource(node);
+        return !isStructure(node) && dependsOnSource(node);
     }
 
     bool dependsOnSource(const Node& node)
@@ -274,34 +297,19 @@ private:
     {
         for (size_t p = m_plan.passes.size(); p-- > 0;) {
             PlanPass& pass = m_plan.passes[p];
-            pass.region =
-                pass.target < 0 ? m_rect : drawnRegion(m_plan.stored[size_t(pass.target)]);
-            std::vector<PixelRect> requests;
-            requestedRects(pass, pass.region, requests);
-            for (size_t i = 0; i < pass.steps.size(); ++i) {
-                if (pass.steps[i].stored < 0)
-                    continue;
-                StoredPlan& stored = m_plan.stored[size_t(pass.steps[i].stored)];
-                const PixelRect wanted = stored.form == StoredPlan::Form::ReducedBlur
-                    ? reducedCells(requests[i], stored.factor)
-                    : requests[i];
-                stored.region = stored.region.united(wanted);
-                stored.lastReader = std::max(stored.lastReader, int(p));
+            pass.region = pass.target < 0 ? m_rect : drawnRegion(size_t(pass.target));
+            for (const StoredRead& read : storedReads(m_plan, pass, pass.region)) {
+                PixelRect& region = m_plan.stored[size_t(read.stored)].region;
+                region = region.united(read.rect);
             }
         }
     }
 
-    /// The pixels of the pass's last step that filling a stored image takes.
-    static PixelRect drawnRegion(const StoredPlan& stored)
+    PixelRect drawnRegion(size_t target) const
     {
-        if (stored.form == StoredPlan::Form::Whole)
-            return stored.region;
-        const Extent& extent = stored.node->inputs.front()->extent;
-        if (const auto* histogram = stored.node->as<HistogramNode>())
-            return histogram->region;
-        const PixelRect cells = coarseArea(stored).cells;
-        const int f = stored.factor;
-        return extent.clipped({cells.x0 * f, cells.y0 * f, cells.x1 * f, cells.y1 * f});
+        const StoredPlan& stored = m_plan.stored[target];
+        const auto* histogram = stored.node->as<HistogramNode>();
+        return histogram ? histogram->region : stored.region;
     }
 
     // ---- Tiles ----
@@ -310,10 +318,23 @@ private:
     {
         pass.tileWidth = tileWidth > 0 ? tileWidth : defaultTileWidth;
         pass.tileHeight = tileHeight > 0 ? tileHeight : defaultTileHeight;
-        if (tileWidth > 0 || tileHeight > 0)
+        const StoredPlan* target = pass.target >= 0 ? &m_plan.stored[size_t(pass.target)] : nullptr;
+        if (tileWidth == 0 && tileHeight == 0)
+            fitTiles(pass, target);
+        if (!target || target->factor == 1)
             return;
+        // From here on in cells. A blur of cells reads many rows for each that it draws.
+        const bool blur = target->form == StoredPlan::Form::ReducedBlur;
+        pass.tileWidth = blur ? defaultTileWidth : std::max(1, pass.tileWidth / target->factor);
+        pass.tileHeight = std::max(blur ? coarseTileHeight : 1, pass.tileHeight / target->factor);
+    }
+
+    void fitTiles(PlanPass& pass, const StoredPlan* target) const
+    {
+        if (target && target->form == StoredPlan::Form::ReducedBlur)
+            return;
+        const PixelRect r = pixelsBehind(m_plan, pass, pass.region);
         for (;;) {
-            const PixelRect& r = pass.region;
             const int x = r.x0 + std::max(0, (r.width() - pass.tileWidth) / 2);
             const int y = r.y0 + std::max(0, (r.height() - pass.tileHeight) / 2);
             std::vector<PixelRect> requests;
@@ -339,68 +360,6 @@ private:
 };
 
 } // namespace
-
-int blurReduction(float sigma)
-{
-    int factor = 1;
-    while (float(factor) * 2 <= sigma / 8)
-        factor *= 2;
-    return factor;
-}
-
-double reducedSigma(float sigma, int factor)
-{
-    const double f = factor;
-    const double variance =
-        (double(sigma) * double(sigma) + 1.0 / 12 - (f * f - 1) / 12 - f * f / 6) / (f * f)
-        - 1.0 / 12;
-    return std::sqrt(variance);
-}
-
-CoarseArea coarseArea(const StoredPlan& blur)
-{
-    const int f = blur.factor;
-    const double sigma = reducedSigma(blur.node->as<GaussianNode>()->sigma, f);
-    const PixelRect wanted = blur.region.grown(int(std::ceil(3 * sigma)));
-    const Node* input = blur.node->inputs.front().get();
-    const bool clamped = input->as<ClampNode>() != nullptr;
-    const Extent& extent = (clamped ? *input->inputs.front() : *input).extent;
-    if (extent.infinite)
-        return {wanted, CoarseEdges::Transparent};
-    const PixelRect& r = extent.rect;
-    const PixelRect covering{floorDivided(r.x0, f), floorDivided(r.y0, f),
-                             floorDivided(r.x1 - 1, f) + 1, floorDivided(r.y1 - 1, f) + 1};
-    if (!clamped)
-        return {wanted.intersection(covering), CoarseEdges::Transparent};
-    // A cell beyond the picture's edge cells averages repeats of one row or column of pixels, and
-    // so do all cells beyond it: one ring of them stands for the rest.
-    const PixelRect ring = covering.grown(1);
-    const PixelRect cells = wanted.intersection(ring);
-    return {cells.isEmpty() ? ring : cells, CoarseEdges::Repeated};
-}
-
-PixelRect reducedCells(const PixelRect& rect, int factor)
-{
-    if (rect.isEmpty())
-        return {};
-    const int half = factor / 2;
-    return {floorDivided(rect.x0 - half, factor), floorDivided(rect.y0 - half, factor),
-            floorDivided(rect.x1 - 1 - half, factor) + 2,
-            floorDivided(rect.y1 - 1 - half, factor) + 2};
-}
-
-void requestedRects(const PlanPass& pass, const PixelRect& rect, std::vector<PixelRect>& requests)
-{
-    requests.assign(pass.steps.size(), PixelRect{});
-    requests.back() = pass.steps.back().node->extent.clipped(rect);
-    for (size_t i = pass.steps.size(); i-- > 0;) {
-        const PlanStep& step = pass.steps[i];
-        for (size_t n = 0; n < step.inputs.size(); ++n) {
-            PixelRect& request = requests[size_t(step.inputs[n])];
-            request = request.united(neededInput(*step.node, n, requests[i]));
-        }
-    }
-}
 
 Plan makePlan(const Node& root, const PixelRect& rect, int tileWidth, int tileHeight,
               Intermediates intermediates)

@@ -12,14 +12,15 @@ namespace orvane {
 struct StoredPlan {
     enum class Form {
         Whole, ///< the node's pixels
-        ReducedBlur, ///< a large Gaussian's result on a grid `factor` times coarser
+        Averages, ///< a large Gaussian's input on a grid `factor` times coarser
+        ReducedBlur, ///< its result on that grid
         Histogram, ///< the counts of a histogram node
     };
     const Node* node = nullptr;
     Form form = Form::Whole;
-    int factor = 1; ///< of ReducedBlur: a power of two
-    PixelRect region; ///< in the node's pixels; of ReducedBlur, in cells of the coarse grid
-    int lastReader = 0; ///< the pass after which it is not needed
+    int factor = 1; ///< of the grid: a power of two
+    int averages = -1; ///< of ReducedBlur: the stored image that it blurs
+    PixelRect region; ///< in the node's pixels, or in cells of the coarse grid
 };
 
 /// A node within a pass.
@@ -34,7 +35,8 @@ struct PlanStep {
 struct PlanPass {
     int target = -1; ///< the stored image it draws; -1: the picture asked for
     std::vector<PlanStep> steps; ///< inputs before their readers; the last is what is drawn
-    PixelRect region; ///< of the last step's pixels
+    /// In the target's units: cells of a coarse grid, otherwise pixels of the last step.
+    PixelRect region;
     int tileWidth = 0;
     int tileHeight = 0;
 };
@@ -50,17 +52,22 @@ int blurReduction(float sigma);
 /// The sigma to use on the grid reduced by `factor`: the wanted variance less what averaging cells
 /// and bilinear enlargement add by themselves.
 double reducedSigma(float sigma, int factor);
-/// Which cells of a reduced blur's input are drawn, and what lies around them.
-struct CoarseArea {
-    PixelRect cells;
-    CoarseEdges edges = CoarseEdges::Transparent;
-};
-CoarseArea coarseArea(const StoredPlan& blur);
-/// The cells that bilinear reads of `rect` touch.
-PixelRect reducedCells(const PixelRect& rect, int factor);
+/// What lies around the averages of a reduced blur.
+CoarseEdges coarseEdges(const StoredPlan& blur);
 
-/// The rectangle that each step of a pass must draw so that the last one can draw `rect`.
+/// The rectangle that each step of a pass must draw so that the last one can draw `rect`, in
+/// pixels.
 void requestedRects(const PlanPass& pass, const PixelRect& rect, std::vector<PixelRect>& requests);
+/// The pixels of the pass's last step behind `rect` of its target.
+PixelRect pixelsBehind(const Plan& plan, const PlanPass& pass, const PixelRect& rect);
+
+/// Part of a stored image, in that image's units.
+struct StoredRead {
+    int stored = -1;
+    PixelRect rect;
+};
+/// What a pass reads from memory to draw `rect` of its target.
+std::vector<StoredRead> storedReads(const Plan& plan, const PlanPass& pass, const PixelRect& rect);
 
 /// Whether what a draw stores is kept for later ones.
 enum class Intermediates { Freed, Kept };

@@ -1,11 +1,8 @@
 #include "ReducedBlur.h"
 
-#include "BlurWeights.h"
 #include "PlaneConversion.h"
 
 #include <algorithm>
-#include <cmath>
-#include <functional>
 
 namespace orvane {
 
@@ -40,17 +37,6 @@ void averageCells(const TilePlanes& planes, const PixelRect& cells, int factor, 
 
 namespace {
 
-/// Rows handed out at a time.
-constexpr int rowsAtOnce = 16;
-
-void forEachRow(ThreadPool& pool, int rows, const std::function<void(int row)>& body)
-{
-    pool.forEach((rows + rowsAtOnce - 1) / rowsAtOnce, [&](int block, int) {
-        for (int row = block * rowsAtOnce; row < std::min(rows, (block + 1) * rowsAtOnce); ++row)
-            body(row);
-    });
-}
-
 /// Cells [first, last) of a row, with what lies around the image.
 void copyCells(const StoredImage& coarse, int channel, int y, int first, int last,
                CoarseEdges edges, float* to)
@@ -72,34 +58,25 @@ void copyCells(const StoredImage& coarse, int channel, int y, int first, int las
 
 } // namespace
 
-std::shared_ptr<StoredImage> blurredCells(const StoredImage& coarse, double sigma,
-                                          const PixelRect& region, CoarseEdges edges,
-                                          ThreadPool& pool)
+void blurCells(const StoredImage& averages, const std::vector<float>& weights,
+               const PixelRect& cells, CoarseEdges edges, StoredImage& blurred, TileArena& arena)
 {
-    const std::vector<double> exact = gaussianWeights(sigma);
-    const std::vector<float> weights(exact.begin(), exact.end());
     const int reach = int(weights.size()) - 1;
-    const PixelRect tall{region.x0, region.y0 - reach, region.x1, region.y1 + reach};
-    StoredImage across(tall, coarse.opaque(), StoredFormat::Float);
-    auto result = std::make_shared<StoredImage>(region, coarse.opaque(), StoredFormat::Float);
-    const int channels = coarse.opaque() ? 3 : 4;
-    forEachRow(pool, tall.height(), [&](int index) {
-        const int y = tall.y0 + index;
-        // Whole vectors are read past the end of a row.
-        std::vector<float> row(size_t(region.width() + 2 * reach + 4 * rowPadding));
-        for (int c = 0; c < channels; ++c) {
-            copyCells(coarse, c, y, region.x0 - reach, region.x1 + reach, edges, row.data());
-            convolveAcross(row.data() + reach, across.floatRow(c, y), region.width(),
-                           weights.data(), reach);
+    const PixelRect tall{cells.x0, cells.y0 - reach, cells.x1, cells.y1 + reach};
+    const TilePlanes across = arena.planes(tall, blurred.opaque());
+    const TilePlanes out = arena.planes(cells, blurred.opaque());
+    // Whole vectors are read past the end of a row.
+    float* row = arena.floats(size_t(cells.width() + 2 * reach + 4 * rowPadding));
+    for (int c = 0; c < out.channels(); ++c) {
+        for (int y = tall.y0; y < tall.y1; ++y) {
+            copyCells(averages, c, y, cells.x0 - reach, cells.x1 + reach, edges, row);
+            convolveAcross(row + reach, across.row(c, y), cells.width(), weights.data(), reach);
         }
-    });
-    forEachRow(pool, region.height(), [&](int index) {
-        const int y = region.y0 + index;
-        for (int c = 0; c < channels; ++c)
-            convolveDown(across.floatRow(c, y), across.stride(), result->floatRow(c, y),
-                         region.width(), weights.data(), reach);
-    });
-    return result;
+        for (int y = cells.y0; y < cells.y1; ++y)
+            convolveDown(across.row(c, y), across.stride, out.row(c, y), cells.width(),
+                         weights.data(), reach);
+    }
+    blurred.write(out, cells);
 }
 
 TilePlanes enlargedBlur(const StoredImage& coarse, int factor, const PixelRect& rect,

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "StoredImage.h"
-#include "ThreadPool.h"
+
+#include <vector>
 
 namespace orvane {
 
@@ -14,10 +15,9 @@ void averageCells(const TilePlanes& planes, const PixelRect& cells, int factor, 
 /// What lies around the cells of a coarse image.
 enum class CoarseEdges { Transparent, Repeated };
 
-/// The coarse image blurred by `sigma` cells over `region`.
-std::shared_ptr<StoredImage> blurredCells(const StoredImage& coarse, double sigma,
-                                          const PixelRect& region, CoarseEdges edges,
-                                          ThreadPool& pool);
+/// `cells` of the averages blurred, by weights as gaussianWeights makes them; into `blurred`.
+void blurCells(const StoredImage& averages, const std::vector<float>& weights,
+               const PixelRect& cells, CoarseEdges edges, StoredImage& blurred, TileArena& arena);
 
 /// Full-size pixels of a blur from its coarse image, bilinear between the cells' centres.
 TilePlanes enlargedBlur(const StoredImage& coarse, int factor, const PixelRect& rect,

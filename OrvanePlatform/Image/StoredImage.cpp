@@ -7,12 +7,13 @@
 
 namespace orvane {
 
-StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format)
+StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format, int rows)
     : m_rect(rect)
+    , m_rows(rows)
     , m_opaque(opaque)
     , m_format(format)
     , m_stride((rect.width() + rowPadding - 1) / rowPadding * rowPadding)
-    , m_planeElements(size_t(m_stride) * size_t(rect.height()))
+    , m_planeElements(size_t(m_stride) * size_t(rows))
     // The padding lets whole vectors be read past the end of the last row.
     , m_memory(new uint8_t[m_planeElements * elementSize() * size_t(opaque ? 3 : 4)
                            + rowPadding * sizeof(float)])
@@ -22,7 +23,7 @@ StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format
 uint8_t* StoredImage::element(int channel, int x, int y) const
 {
     const size_t index = size_t(channel) * m_planeElements
-        + size_t(y - m_rect.y0) * size_t(m_stride) + size_t(x - m_rect.x0);
+        + size_t((y - m_rect.y0) % m_rows) * size_t(m_stride) + size_t(x - m_rect.x0);
     return m_memory.get() + index * elementSize();
 }
 

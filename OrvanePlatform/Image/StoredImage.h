@@ -13,9 +13,16 @@ enum class StoredFormat { Half, Float };
 
 /// A drawn intermediate: planes of a rectangle, kept between passes and, in the cache, between
 /// draws. Different tiles may be written from different threads at once.
+///
+/// It may hold fewer rows than its rectangle has: then it is a window, in which row y takes the
+/// place of row y + rows.
 class StoredImage {
 public:
-    StoredImage(const PixelRect& rect, bool opaque, StoredFormat format);
+    StoredImage(const PixelRect& rect, bool opaque, StoredFormat format, int rows);
+    StoredImage(const PixelRect& rect, bool opaque, StoredFormat format)
+        : StoredImage(rect, opaque, format, rect.height())
+    {
+    }
 
     const PixelRect& rect() const { return m_rect; }
     bool opaque() const { return m_opaque; }
@@ -28,13 +35,13 @@ public:
     /// Direct access to a row of floats; only of images in StoredFormat::Float.
     float* floatRow(int channel, int y);
     const float* floatRow(int channel, int y) const;
-    std::ptrdiff_t stride() const { return m_stride; }
 
 private:
     size_t elementSize() const { return m_format == StoredFormat::Half ? 2 : 4; }
     uint8_t* element(int channel, int x, int y) const;
 
     PixelRect m_rect;
+    int m_rows;
     bool m_opaque;
     StoredFormat m_format;
     std::ptrdiff_t m_stride;

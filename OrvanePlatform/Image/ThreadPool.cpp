@@ -5,6 +5,13 @@
 
 namespace orvane {
 
+struct ThreadPool::Running {
+    const Job* job = nullptr;
+    int underWay = 0;
+    bool finished = false;
+    std::exception_ptr failure;
+};
+
 ThreadPool::ThreadPool(int workers)
 {
     const int count = workers > 0 ? workers : std::max(1, int(std::thread::hardware_concurrency()));
@@ -63,23 +70,53 @@ void ThreadPool::serve(int slot)
     }
 }
 
+std::shared_ptr<ThreadPool::Running> ThreadPool::start(const Job& job)
+{
+    auto running = std::make_shared<Running>();
+    running->job = &job;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_jobs.push_back(running);
+        ++m_changes;
+    }
+    m_changed.notify_all();
+    return running;
+}
+
+void ThreadPool::help(Running& running, const std::function<bool()>& enough)
+{
+    std::unique_lock lock(m_mutex);
+    while (!running.finished && !enough()) {
+        const uint64_t seen = m_changes;
+        if (doStep(running, 0, lock) == Step::Waiting)
+            m_changed.wait(lock, [&] { return running.finished || m_changes != seen; });
+    }
+}
+
+void ThreadPool::finish(Running& running)
+{
+    help(running, [] { return false; });
+    std::unique_lock lock(m_mutex);
+    m_jobs.erase(std::find_if(m_jobs.begin(), m_jobs.end(),
+                              [&](const auto& job) { return job.get() == &running; }));
+    m_changed.wait(lock, [&] { return running.underWay == 0; });
+    if (running.failure)
+        std::rethrow_exception(running.failure);
+}
+
 void ThreadPool::run(const Job& job)
 {
-    const auto running = std::make_shared<Running>();
-    running->job = &job;
-    std::unique_lock lock(m_mutex);
-    m_jobs.push_back(running);
-    ++m_changes;
-    m_changed.notify_all();
-    while (!running->finished) {
-        const uint64_t seen = m_changes;
-        if (doStep(*running, 0, lock) == Step::Waiting)
-            m_changed.wait(lock, [&] { return running->finished || m_changes != seen; });
+    const auto running = start(job);
+    finish(*running);
+}
+
+void ThreadPool::notify()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_changes;
     }
-    m_jobs.erase(std::find(m_jobs.begin(), m_jobs.end(), running));
-    m_changed.wait(lock, [&] { return running->underWay == 0; });
-    if (running->failure)
-        std::rethrow_exception(running->failure);
+    m_changed.notify_all();
 }
 
 void ThreadPool::forEach(int count, const std::function<void(int, int)>& body)

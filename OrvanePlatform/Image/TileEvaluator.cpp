@@ -40,12 +40,21 @@ bool isWholePixelMove(const OrthogonalTransform& t)
 
 } // namespace
 
-PassTables makePassTables(const PlanPass& pass)
+PassTables makePassTables(const Plan& plan, const PlanPass& pass)
 {
     PassTables tables;
     tables.steps.resize(pass.steps.size());
+    if (pass.target >= 0) {
+        const StoredPlan& target = plan.stored[size_t(pass.target)];
+        if (target.form == StoredPlan::Form::ReducedBlur) {
+            const float sigma = target.node->as<GaussianNode>()->sigma;
+            const auto weights = gaussianWeights(reducedSigma(sigma, target.factor));
+            tables.steps.back().blur.assign(weights.begin(), weights.end());
+            return tables;
+        }
+    }
     std::vector<PixelRect> requests;
-    requestedRects(pass, pass.region, requests);
+    requestedRects(pass, pixelsBehind(plan, pass, pass.region), requests);
     for (size_t i = 0; i < pass.steps.size(); ++i) {
         const PlanStep& step = pass.steps[i];
         if (step.stored >= 0)
@@ -63,12 +72,13 @@ PassTables makePassTables(const PlanPass& pass)
 
 TileEvaluator::TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>& storedPlans,
                              const std::vector<std::shared_ptr<StoredImage>>& stored,
-                             const PassTables& tables)
+                             const PassTables& tables, TileArena& arena)
     : m_pass(pass)
     , m_storedPlans(storedPlans)
     , m_stored(stored)
     , m_tables(tables)
     , m_drawn(pass.steps.size())
+    , m_arena(arena)
 {
 }
 

@@ -32,17 +32,17 @@ struct PassTables {
     std::vector<Step> steps;
 };
 
-PassTables makePassTables(const PlanPass& pass);
+PassTables makePassTables(const Plan& plan, const PlanPass& pass);
 
-/// Draws tiles of one pass; one for each worker.
+/// Draws tiles of one pass; one for each worker, with the worker's scratch memory.
 class TileEvaluator {
 public:
     TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>& storedPlans,
-                  const std::vector<std::shared_ptr<StoredImage>>& stored,
-                  const PassTables& tables);
+                  const std::vector<std::shared_ptr<StoredImage>>& stored, const PassTables& tables,
+                  TileArena& arena);
 
-    /// The last step's pixels over `rect`, transparent beyond its extent. Valid until the next
-    /// call.
+    /// The last step's pixels over `rect`, transparent beyond its extent. Valid until the scratch
+    /// memory is next used.
     TilePlanes draw(const PixelRect& rect);
 
 private:
@@ -89,7 +89,7 @@ private:
     const PassTables& m_tables;
     std::vector<PixelRect> m_requests;
     std::vector<Drawn> m_drawn;
-    TileArena m_arena;
+    TileArena& m_arena;
 };
 
 } // namespace orvane

@@ -2,16 +2,18 @@
 
 #include "CIContext.h"
 #include "IntermediateCache.h"
-#include "Planner.h"
 #include "StoredImage.h"
 #include "ThreadPool.h"
-#include "TileEvaluator.h"
+#include "TilePlanes.h"
 
 #include <functional>
 
 namespace orvane {
 
-/// Draws recipes tile by tile on a pool of threads, everything between two stored images fused.
+struct Node;
+
+/// Draws recipes tile by tile on a pool of threads, everything between two stored images fused, and
+/// the stored images band by band as the picture asks for them.
 class TiledRenderer {
 public:
     /// Takes a finished tile: planes that cover it. Called from several threads at once.
@@ -24,7 +26,7 @@ public:
     {
     }
 
-    /// Tiles in any order. False when cancelled.
+    /// Tiles of the picture as they become finished. False when cancelled.
     bool draw(const Node& root, const PixelRect& rect, StoredFormat format,
               const DrawOptions& options, const TileTarget& target) const;
     /// Rows of a format, from the top, in order, into a sink. Drawing runs a few bands of rows
@@ -33,16 +35,6 @@ public:
                       const DrawOptions& options, RowSink& sink) const;
 
 private:
-    struct Drawing;
-
-    bool drawStored(Drawing& drawing) const;
-    void drawTiles(Drawing& drawing, const PlanPass& pass, const std::vector<PixelRect>& tiles,
-                   const std::function<void(TileEvaluator&, const PixelRect&)>& body) const;
-    bool drawPass(Drawing& drawing, const PlanPass& pass, const TileTarget& target) const;
-    bool fillWhole(Drawing& drawing, const PlanPass& pass) const;
-    bool fillReducedBlur(Drawing& drawing, const PlanPass& pass) const;
-    bool fillHistogram(Drawing& drawing, const PlanPass& pass) const;
-
     ThreadPool& m_pool;
     IntermediateCache& m_cache;
     const CIContext::Options& m_settings;

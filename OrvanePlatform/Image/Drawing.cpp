@@ -1,0 +1,297 @@
+#include "Drawing.h"
+
+#include "PixelKernels.h"
+#include "ReducedBlur.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <random>
+
+namespace orvane {
+
+namespace {
+
+using Form = StoredPlan::Form;
+
+/// Tiles of a step for each worker: enough that the last ones to finish cost little.
+constexpr int tilesForEachWorker = 4;
+
+/// Tiles of a region in rows from the top, or shuffled.
+std::vector<PixelRect> tilesOf(const PixelRect& region, int width, int height, uint64_t seed)
+{
+    std::vector<PixelRect> tiles;
+    for (int y = region.y1; y > region.y0; y -= height) {
+        for (int x = region.x0; x < region.x1; x += width)
+            tiles.push_back(
+                {x, std::max(y - height, region.y0), std::min(x + width, region.x1), y});
+    }
+    if (seed != 0) {
+        std::mt19937_64 random(seed);
+        std::shuffle(tiles.begin(), tiles.end(), random);
+    }
+    return tiles;
+}
+
+std::string operationName(const Node& node)
+{
+    if (const auto* pointwise = node.as<PointwiseNode>())
+        return std::string(pointwise->kernel->name);
+    if (const auto* warp = node.as<WarpNode>())
+        return std::string(warp->kernel->name);
+    if (const auto* window = node.as<WindowNode>())
+        return std::string(window->kernel->name);
+    if (const auto* blur = node.as<GaussianNode>())
+        return "blur " + std::to_string(blur->sigma).substr(0, 5);
+    if (node.as<SourceNode>())
+        return "source";
+    if (node.as<HalveNode>())
+        return "halve";
+    if (node.as<LanczosNode>())
+        return "lanczos";
+    return {};
+}
+
+std::string operationNames(const Plan& plan, const PlanPass& pass)
+{
+    std::string names;
+    for (const PlanStep& step : pass.steps) {
+        const std::string name = operationName(*step.node);
+        if (step.stored >= 0)
+            names.append("[").append(std::to_string(step.stored)).append("] ");
+        else if (!name.empty())
+            names.append(name).append(" ");
+    }
+    if (pass.target < 0)
+        return names;
+    const StoredPlan& target = plan.stored[size_t(pass.target)];
+    if (target.form == Form::Averages)
+        names.append("averaged by ").append(std::to_string(target.factor)).append(" ");
+    if (target.form == Form::ReducedBlur)
+        names.append("blurred ");
+    return names.append("-> ").append(std::to_string(pass.target));
+}
+
+} // namespace
+
+Drawing::Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
+                 const DrawOptions& options, const CIContext::Options& settings, ThreadPool& pool,
+                 IntermediateCache& cache)
+    : m_plan(makePlan(root, rect, settings.tileWidth, settings.tileHeight,
+                      options.keepIntermediates ? Intermediates::Kept : Intermediates::Freed))
+    , m_format(format)
+    , m_options(options)
+    , m_settings(settings)
+    , m_pool(pool)
+    , m_cache(cache)
+    , m_stored(m_plan.stored.size())
+    , m_passes(m_plan.passes.size())
+    , m_arenas(size_t(pool.slots()))
+{
+    m_schedule = makeSchedule(m_plan, findKept(), pool.slots() * tilesForEachWorker);
+}
+
+bool Drawing::cancelled() const
+{
+    return m_options.cancellation && m_options.cancellation->isCancelled();
+}
+
+bool Drawing::drawsPicture(const ScheduledRows& rows) const
+{
+    return m_plan.passes[size_t(rows.pass)].target < 0;
+}
+
+/// What a stored image's samples follow from: its recipe, and which of the images it was drawn from
+/// were stored, and so rounded, themselves.
+Digest Drawing::key(size_t stored) const
+{
+    const StoredPlan& planned = m_plan.stored[stored];
+    DigestBuilder digest;
+    digest.add(planned.node->digest).add(uint64_t(planned.form)).add(uint64_t(m_format));
+    for (const PlanPass& pass : m_plan.passes) {
+        for (const PlanStep& step : pass.steps) {
+            if (pass.target == int(stored) && step.stored >= 0)
+                digest.add(key(size_t(step.stored)));
+        }
+    }
+    return digest.digest();
+}
+
+std::vector<bool> Drawing::findKept()
+{
+    std::vector<bool> available(m_stored.size(), false);
+    if (!m_options.keepIntermediates)
+        return available;
+    // Only what the picture asks for is looked up: what stands behind a kept image stays unused.
+    std::vector<bool> wanted(m_plan.passes.size(), false);
+    wanted.back() = true;
+    for (size_t p = m_plan.passes.size(); p-- > 0;) {
+        for (const PlanStep& step : m_plan.passes[p].steps) {
+            if (!wanted[p] || step.stored < 0 || available[size_t(step.stored)])
+                continue;
+            const auto stored = size_t(step.stored);
+            m_stored[stored] = m_cache.find(key(stored), m_plan.stored[stored].region);
+            available[stored] = m_stored[stored] != nullptr;
+            m_statistics.reusedImages += available[stored];
+            for (size_t q = 0; q < p && !available[stored]; ++q)
+                wanted[q] = wanted[q] || m_plan.passes[q].target == step.stored;
+        }
+    }
+    return available;
+}
+
+void Drawing::allocate(size_t stored)
+{
+    const StoredPlan& planned = m_plan.stored[stored];
+    const bool coarse = planned.form == Form::Averages || planned.form == Form::ReducedBlur;
+    const bool kept = m_options.keepIntermediates && planned.form != Form::Averages;
+    const bool opaque =
+        planned.node->opaque && (coarse || planned.node->extent.contains(planned.region));
+    const int rows = kept ? planned.region.height() : m_schedule.images[stored].rows;
+    m_stored[stored] = std::make_shared<StoredImage>(planned.region, opaque,
+                                                     coarse ? StoredFormat::Float : m_format, rows);
+    m_storedBytes += m_stored[stored]->byteSize();
+    m_statistics.peakStoredBytes = std::max(m_statistics.peakStoredBytes, m_storedBytes);
+    m_statistics.storedImages += planned.form != Form::Averages;
+}
+
+/// Keeps what is complete for later draws, and lets go of what no later step reads.
+void Drawing::release(size_t step)
+{
+    for (size_t i = 0; i < m_stored.size(); ++i) {
+        if (!m_stored[i] || m_schedule.images[i].lastStep != int(step))
+            continue;
+        m_storedBytes -= std::min(m_storedBytes, m_stored[i]->byteSize());
+        m_stored[i].reset();
+    }
+}
+
+TileEvaluator& Drawing::evaluator(const PlanPass& pass, int slot)
+{
+    Pass& own = m_passes[size_t(&pass - m_plan.passes.data())];
+    auto& evaluator = own.evaluators[size_t(slot)];
+    if (!evaluator)
+        evaluator = std::make_unique<TileEvaluator>(pass, m_plan.stored, m_stored, *own.tables,
+                                                    m_arenas[size_t(slot)]);
+    return *evaluator;
+}
+
+void Drawing::drawTile(const PlanPass& pass, int slot, const PixelRect& tile,
+                       const TiledRenderer::TileTarget& target)
+{
+    if (pass.target < 0)
+        return target(evaluator(pass, slot).draw(tile), tile);
+    const StoredPlan& planned = m_plan.stored[size_t(pass.target)];
+    StoredImage* image = m_stored[size_t(pass.target)].get();
+    TileArena& arena = m_arenas[size_t(slot)];
+    switch (planned.form) {
+    case Form::Whole:
+        return image->write(evaluator(pass, slot).draw(tile), tile);
+    case Form::Averages: {
+        const int f = planned.factor;
+        const PixelRect full{tile.x0 * f, tile.y0 * f, tile.x1 * f, tile.y1 * f};
+        return averageCells(evaluator(pass, slot).draw(full), tile, f, *image, arena);
+    }
+    case Form::ReducedBlur: {
+        const Pass& own = m_passes[size_t(&pass - m_plan.passes.data())];
+        arena.reset();
+        return blurCells(*m_stored[size_t(planned.averages)], own.tables->steps.back().blur, tile,
+                         coarseEdges(planned), *image, arena);
+    }
+    case Form::Histogram:
+        return count(*planned.node->as<HistogramNode>(), evaluator(pass, slot).draw(tile), tile);
+    }
+}
+
+bool Drawing::drawRows(size_t step, const TiledRenderer::TileTarget& target)
+{
+    const ScheduledRows& rows = m_schedule.steps[step];
+    const PlanPass& pass = m_plan.passes[size_t(rows.pass)];
+    Pass& own = m_passes[size_t(rows.pass)];
+    const auto start = std::chrono::steady_clock::now();
+    if (!own.tables) {
+        own.tables = std::make_unique<PassTables>(makePassTables(m_plan, pass));
+        own.evaluators.resize(size_t(m_pool.slots()));
+        const bool blur =
+            pass.target >= 0 && m_plan.stored[size_t(pass.target)].form == Form::ReducedBlur;
+        m_statistics.passes += !blur;
+    }
+    if (pass.target >= 0 && !m_stored[size_t(pass.target)])
+        allocate(size_t(pass.target));
+    const auto tiles = tilesOf(rows.rect, pass.tileWidth, pass.tileHeight, m_settings.shuffleSeed);
+    std::atomic<size_t> next = 0;
+    m_pool.run([&](int slot) {
+        const size_t index = next.fetch_add(1);
+        if (index >= tiles.size() || cancelled())
+            return ThreadPool::Step::Finished;
+        drawTile(pass, slot, tiles[index], target);
+        return ThreadPool::Step::Worked;
+    });
+    if (cancelled())
+        return false;
+    own.milliseconds +=
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    own.megapixels += rows.rect.area() / 1e6;
+    if (pass.target >= 0 && rows.rect.y0 == pass.region.y0) {
+        const auto stored = size_t(pass.target);
+        if (m_plan.stored[stored].form == Form::Histogram)
+            settleHistogram(pass);
+        if (m_options.keepIntermediates && m_plan.stored[stored].form != Form::Averages)
+            m_cache.keep(key(stored), m_stored[stored]);
+    }
+    release(step);
+    return true;
+}
+
+void Drawing::count(const HistogramNode& histogram, const TilePlanes& planes, const PixelRect& tile)
+{
+    std::vector<uint64_t> counts(size_t(histogram.count) * 4);
+    for (int y = tile.y0; y < tile.y1; ++y) {
+        for (int x = tile.x0; x < tile.x1; ++x) {
+            const float alpha = planes.opaque() ? 1.0f : *planes.at(3, x, y);
+            for (int c = 0; c < 4; ++c) {
+                const float stored = c == 3 ? alpha : *planes.at(c, x, y);
+                const float v = c == 3 || alpha == 1 ? stored : (alpha > 0 ? stored / alpha : 0.0f);
+                const double bin = std::isnan(v) ? 0 : std::floor(double(v) * histogram.count);
+                ++counts[size_t(std::clamp(bin, 0.0, histogram.count - 1.0)) * 4 + size_t(c)];
+            }
+        }
+    }
+    const std::lock_guard lock(m_countsMutex);
+    m_counts.resize(counts.size());
+    for (size_t i = 0; i < counts.size(); ++i)
+        m_counts[i] += counts[i];
+}
+
+void Drawing::settleHistogram(const PlanPass& pass)
+{
+    const auto& histogram = *m_plan.stored[size_t(pass.target)].node->as<HistogramNode>();
+    auto image = std::make_shared<StoredImage>(PixelRect{0, 0, histogram.count, 1}, false,
+                                               StoredFormat::Float);
+    m_counts.resize(size_t(histogram.count) * 4);
+    for (int c = 0; c < 4; ++c) {
+        for (int i = 0; i < histogram.count; ++i)
+            image->floatRow(c, 0)[i] = float(double(m_counts[size_t(i) * 4 + size_t(c)])
+                                             / histogram.region.area() * double(histogram.scale));
+    }
+    m_counts.clear();
+    m_stored[size_t(pass.target)] = std::move(image);
+}
+
+void Drawing::report(double sinkMilliseconds)
+{
+    if (!m_options.statistics)
+        return;
+    m_statistics.sinkMilliseconds = sinkMilliseconds;
+    m_statistics.drawMilliseconds =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - m_start)
+            .count();
+    for (size_t p = 0; p < m_passes.size(); ++p) {
+        if (m_passes[p].tables)
+            m_statistics.passTimes.push_back({operationNames(m_plan, m_plan.passes[p]),
+                                              m_passes[p].megapixels, m_passes[p].milliseconds});
+    }
+    *m_options.statistics = m_statistics;
+}
+
+} // namespace orvane

@@ -1,0 +1,120 @@
+#include "Schedule.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace orvane {
+
+namespace {
+
+class Scheduler {
+public:
+    Scheduler(const Plan& plan, const std::vector<bool>& available, int tilesAtOnce)
+        : m_plan(plan)
+        , m_available(available)
+        , m_tilesAtOnce(tilesAtOnce)
+        , m_passOf(plan.stored.size(), -1)
+        , m_drawnTo(plan.stored.size())
+        , m_uses(plan.stored.size())
+    {
+        for (size_t p = 0; p < plan.passes.size(); ++p) {
+            const PlanPass& pass = plan.passes[p];
+            if (pass.target < 0)
+                continue;
+            m_passOf[size_t(pass.target)] = int(p);
+            m_drawnTo[size_t(pass.target)] = pass.region.y1;
+        }
+    }
+
+    Schedule schedule()
+    {
+        const PlanPass& last = m_plan.passes.back();
+        const int rows = rowsAtOnce(last);
+        for (int top = last.region.y1; top > last.region.y0; top -= rows)
+            draw(int(m_plan.passes.size()) - 1, std::max(top - rows, last.region.y0), top);
+        settleWindows();
+        return std::move(m_schedule);
+    }
+
+private:
+    /// A stored image's rows as a step leaves or finds them.
+    struct Use {
+        int step = 0;
+        int drawnTo = 0; ///< the lowest row drawn by then
+        int upTo = 0; ///< one past the highest row it reads or draws
+    };
+
+    int rowsAtOnce(const PlanPass& pass) const
+    {
+        const int across = std::max(1, (pass.region.width() + pass.tileWidth - 1) / pass.tileWidth);
+        return pass.tileHeight * std::max(1, (m_tilesAtOnce + across - 1) / across);
+    }
+
+    void draw(int index, int bottom, int top)
+    {
+        const PlanPass& pass = m_plan.passes[size_t(index)];
+        const PixelRect rect{pass.region.x0, bottom, pass.region.x1, top};
+        const std::vector<StoredRead> reads = storedReads(m_plan, pass, rect);
+        for (const StoredRead& read : reads)
+            drawDownTo(size_t(read.stored), read.rect.y0);
+        const int step = int(m_schedule.steps.size());
+        m_schedule.steps.push_back({index, rect});
+        for (const StoredRead& read : reads) {
+            const auto stored = size_t(read.stored);
+            m_uses[stored].push_back({step, m_drawnTo[stored], read.rect.y1});
+        }
+        if (pass.target >= 0) {
+            m_drawnTo[size_t(pass.target)] = bottom;
+            m_uses[size_t(pass.target)].push_back({step, bottom, top});
+        }
+    }
+
+    void drawDownTo(size_t stored, int row)
+    {
+        if (m_available[stored])
+            return;
+        const int index = m_passOf[stored];
+        const PlanPass& pass = m_plan.passes[size_t(index)];
+        // Counts are of the whole region, whichever of them is read.
+        const bool all = m_plan.stored[stored].form == StoredPlan::Form::Histogram;
+        const int goal = all ? pass.region.y0 : std::max(row, pass.region.y0);
+        while (m_drawnTo[stored] > goal) {
+            const int top = m_drawnTo[stored];
+            draw(index, std::max(top - rowsAtOnce(pass), pass.region.y0), top);
+        }
+    }
+
+    void settleWindows()
+    {
+        m_schedule.images.resize(m_plan.stored.size());
+        for (size_t i = 0; i < m_uses.size(); ++i) {
+            Schedule::Image& image = m_schedule.images[i];
+            int upTo = std::numeric_limits<int>::min();
+            for (size_t n = m_uses[i].size(); n-- > 0;) {
+                const Use& use = m_uses[i][n];
+                // The rows from the lowest one drawn to the highest one that is still used.
+                upTo = std::max(upTo, use.upTo);
+                image.rows = std::max(image.rows, upTo - use.drawnTo);
+                image.lastStep = std::max(image.lastStep, use.step);
+            }
+            image.rows = std::min(image.rows, m_plan.stored[i].region.height());
+        }
+    }
+
+    const Plan& m_plan;
+    const std::vector<bool>& m_available;
+    int m_tilesAtOnce;
+    std::vector<int> m_passOf;
+    std::vector<int> m_drawnTo;
+    std::vector<std::vector<Use>> m_uses;
+    Schedule m_schedule;
+};
+
+} // namespace
+
+Schedule makeSchedule(const Plan& plan, const std::vector<bool>& available, int tilesAtOnce)
+{
+    return Scheduler(plan, available, tilesAtOnce).schedule();
+}
+
+} // namespace orvane

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Planner.h"
+
+#include <vector>
+
+namespace orvane {
+
+/// Some rows of one pass, over its whole width.
+struct ScheduledRows {
+    int pass = -1;
+    PixelRect rect; ///< in the units of the pass's target
+};
+
+/// In which order the rows of all passes are drawn, and how much of each stored image is in memory
+/// at once.
+///
+/// Rows are drawn as they are asked for, from the top: before some rows of a pass, those that it
+/// reads of stored images. So a picture goes through a chain of passes in bands, each stored image
+/// is a window of rows that moves down with its readers, and what was just drawn is read while it
+/// is still in the processor's cache. A reader that jumps about, such as a quarter turn of a stored
+/// image, makes the window as high as it needs: in the worst case the whole image.
+struct Schedule {
+    struct Image {
+        int rows = 0; ///< at most this many are alive at once; 0: not drawn
+        int lastStep = -1; ///< after this step nobody reads it
+    };
+    std::vector<ScheduledRows> steps;
+    std::vector<Image> images; ///< by stored image
+};
+
+/// available: by stored image, whether it is in memory already and need not be drawn. A step holds
+/// at least `tilesAtOnce` tiles where the pass has so many.
+Schedule makeSchedule(const Plan& plan, const std::vector<bool>& available, int tilesAtOnce);
+
+} // namespace orvane

@@ -4,6 +4,7 @@
 #include "BrushMask.h"
 
 #include "Bitmap.h"
+#include "RecentDrawings.h"
 
 #include <algorithm>
 #include <cmath>
@@ -101,10 +102,10 @@ void paint(Bitmap& mask, const Capsule& capsule, double radius)
     }
 }
 
-} // namespace
+using Strokes = std::vector<std::vector<CGPoint>>;
 
-std::shared_ptr<const Bitmap> brushMask(const std::vector<std::vector<CGPoint>>& strokes, int width,
-                                        int height, double lineWidth)
+std::shared_ptr<const Bitmap> paintedMask(const Strokes& strokes, int width, int height,
+                                          double lineWidth)
 {
     auto mask = std::make_shared<Bitmap>(width, height, 1, SampleType::U8, AlphaKind::None);
     for (int row = 0; row < height; ++row)
@@ -118,6 +119,25 @@ std::shared_ptr<const Bitmap> brushMask(const std::vector<std::vector<CGPoint>>&
         }
     }
     return mask;
+}
+
+Digest keyOf(const Strokes& strokes, int width, int height, double lineWidth)
+{
+    DigestBuilder key;
+    key.add(uint64_t(width)).add(uint64_t(height)).add(&lineWidth, sizeof lineWidth);
+    for (const auto& stroke : strokes)
+        key.add(uint64_t(stroke.size())).add(stroke.data(), stroke.size() * sizeof(CGPoint));
+    return key.digest();
+}
+
+} // namespace
+
+std::shared_ptr<const Bitmap> brushMask(const Strokes& strokes, int width, int height,
+                                        double lineWidth)
+{
+    static RecentDrawings recent(64 << 20);
+    const auto draw = [&] { return PlacedBitmap{paintedMask(strokes, width, height, lineWidth)}; };
+    return recent.drawing(keyOf(strokes, width, height, lineWidth), draw).bitmap;
 }
 
 } // namespace orvane

@@ -189,8 +189,11 @@ TEST(TextLayers, TheShadowFallsDownwardsAndDarkensByItsShare)
     while (at(ink, inkBottom) == 1)
         --inkBottom;
     EXPECT_GT(bottom - inkBottom, (inkTop - top) + 4) << "offset 4, reaching as far either way";
-    // White text of alpha 0.5 over its own shadow of 0.275 over white, deep inside.
-    EXPECT_NEAR(at(shadowed, 200), 0.5f + 0.5f * (1 - 0.275f), 0.02f);
+    // White of alpha 0.5 over its own shadow of 0.275, in encoded bytes, then over white in linear
+    // light: alpha 1 - 0.5 (1 - 0.275), of which 0.5 is white.
+    const double alpha = 0.6375;
+    const double straight = std::pow((0.5 / alpha + 0.055) / 1.055, 2.4);
+    EXPECT_NEAR(at(shadowed, 200), straight * alpha + 1 - alpha, 0.01);
 }
 
 TEST(TextLayers, TheSameTextIsTheSameRecipeAndAnyChangeIsAnother)

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace orvane {
 namespace {
@@ -299,6 +301,29 @@ TEST(TextBlock, EmojiKeepTheirColours)
         }
     }
     EXPECT_GT(yellow, 1500) << "a yellow face, half transparent as its text is";
+}
+
+TEST(TextBlock, DrawsTheSameOnAnyThread)
+{
+    const auto draw = [] {
+        return massOf(TextBlock("Thread \xf0\x9f\x98\x80 \xd7\xa9\xd7\x9c", roomy(30))
+                          .drawn({200, 50}, 400, 100, white, TextShadow{0, 2, 4, 0.5}));
+    };
+    const Mass expected = draw();
+    std::array<Mass, 8> masses;
+    std::vector<std::thread> threads;
+    for (Mass& mass : masses) {
+        threads.emplace_back([&mass, &draw] {
+            for (int i = 0; i < 5; ++i)
+                mass = draw();
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const Mass& mass : masses) {
+        EXPECT_EQ(mass.sum, expected.sum);
+        EXPECT_EQ(mass.varianceX, expected.varianceX);
+    }
 }
 
 TEST(TextBlock, HoldsOutAgainstAnything)

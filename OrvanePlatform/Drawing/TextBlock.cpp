@@ -46,7 +46,7 @@ void layGround(Bitmap& bitmap, const PixelRect& piece, const PixelRect& rect,
         }
         shadow->row(y - piece.y0, strengths);
         for (size_t x = 0; x < strengths.size(); ++x) {
-            const auto alpha = uint32_t(strengths[x] * 255 + 0.5f);
+            const auto alpha = uint32_t(std::lrint(strengths[x] * 255));
             const uint32_t word = alpha << 24;
             std::memcpy(to + x * 4, &word, 4);
         }

@@ -182,6 +182,12 @@ public:
     CIImage drawn(const Cell& cell) const
     {
         CIImage picture = finishedImage(m_source, cell.state, {});
+        if (!m_detail) { // a turned frame is larger than the cell
+            const CGRect whole = picture.extent();
+            const double fit = std::min(cellWidth / whole.width(), m_height / whole.height());
+            picture = Geometry::resized(picture,
+                                        int(fit * std::max(whole.width(), whole.height()) + 0.5));
+        }
         const CGRect frame = picture.extent();
         CGPoint corner = frame.origin;
         if (m_detail) {

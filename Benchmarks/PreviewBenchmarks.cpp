@@ -1,4 +1,5 @@
-// preview-benchmarks PICTURE EDITS-FOLDER: what a user waits for under a slider.
+// preview-benchmarks PICTURE EDITS-FOLDER [reference|sliders|cancellation]: what a user waits for
+// under a slider; all three parts, or one.
 
 #include "BakeChain.h"
 #include "BenchmarkInputs.h"
@@ -145,10 +146,12 @@ void printCancellation(const CIImage& source, const EditState& edit)
 
 int main(int argc, char** argv)
 {
-    if (argc != 3) {
-        std::fprintf(stderr, "preview-benchmarks PICTURE EDITS-FOLDER\n");
+    if (argc != 3 && argc != 4) {
+        std::fprintf(stderr,
+                     "preview-benchmarks PICTURE EDITS-FOLDER [reference|sliders|cancellation]\n");
         return 2;
     }
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // minutes go by: each line as it is measured
     const std::string edits = argv[2];
     const Result<CIImage> source = readPicture(argv[1]);
     const Result<EditState> reference = readEdit(edits + "/reference-edit.json");
@@ -161,9 +164,13 @@ int main(int argc, char** argv)
             return 1;
         }
     }
+    const std::string part = argc == 4 ? argv[3] : "";
     const CIImage proxy = Geometry::resized(*source, proxyEdge);
-    printReference(proxy, *reference);
-    printEverything(proxy, *everything);
-    printCancellation(*source, *everything);
+    if (part.empty() || part == "reference")
+        printReference(proxy, *reference);
+    if (part.empty() || part == "sliders")
+        printEverything(proxy, *everything);
+    if (part.empty() || part == "cancellation")
+        printCancellation(*source, *everything);
     return 0;
 }

@@ -1,41 +1,71 @@
 // Lens: with d from the middle and rn = |d| / half diagonal, green and alpha are read at
 // middle + d (1 + k rn^2), red and blue a little further out or in: lateral colour fringe.
 #include "Kernels.h"
-#include "PixelKernels.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Kernels/Lens.cpp"
+#include <hwy/foreach_target.h>
+// After foreach_target.h: compiled once for each instruction set.
+#include "WarpMap-inl.h"
 
 #include <algorithm>
 #include <cmath>
 
+HWY_BEFORE_NAMESPACE();
+namespace orvane::HWY_NAMESPACE {
+namespace {
+
+class LensMap {
+public:
+    static constexpr int maps = 3;
+    struct Record {
+        double centerX;
+        double centerY;
+        double inverseSquare; ///< 1 / half diagonal squared
+        double distortion; ///< of the corner
+        double fringe[3]; ///< factors of red, green, blue
+    };
+
+    HWY_INLINE LensMap(const Record& lens, double cy)
+        : m_lens(lens)
+        , m_dy(cy - lens.centerY)
+        , m_perSquare(lens.distortion * lens.inverseSquare)
+        , m_rowScale(1 + m_dy * m_dy * m_perSquare)
+    {
+    }
+    HWY_INLINE void operator()(Doubles cx, Doubles* x, Doubles* y) const
+    {
+        const Doubles dx = hn::Sub(cx, allOf(m_lens.centerX));
+        const Doubles scale = hn::MulAdd(hn::Mul(dx, dx), allOf(m_perSquare), allOf(m_rowScale));
+        for (int channel = 0; channel < maps; ++channel) {
+            const Doubles factor = hn::Mul(scale, allOf(m_lens.fringe[channel]));
+            x[channel] = hn::MulAdd(dx, factor, allOf(m_lens.centerX));
+            y[channel] = hn::MulAdd(allOf(m_dy), factor, allOf(m_lens.centerY));
+        }
+    }
+
+private:
+    const Record& m_lens;
+    double m_dy;
+    double m_perSquare;
+    double m_rowScale;
+};
+
+ORVANE_WARP_MAP_RUN(LensMap)
+
+} // namespace
+} // namespace orvane::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
 namespace orvane {
+
+ORVANE_WARP_MAP(LensMap)
 
 namespace {
 
-struct LensRecord {
-    double centerX;
-    double centerY;
-    double inverseSquare; ///< 1 / half diagonal squared
-    double distortion; ///< of the corner
-    double fringe[3]; ///< factors of red, green, blue
-};
-
-const LensRecord& lensOf(const void* record)
-{
-    return *static_cast<const LensRecord*>(record);
-}
-
-void map(const void* record, int x, int y, int count, const WarpPositions& positions)
-{
-    const LensRecord& lens = lensOf(record);
-    const double dy = y + 0.5 - lens.centerY;
-    for (int i = 0; i < count; ++i) {
-        const double dx = x + i + 0.5 - lens.centerX;
-        const double scale = 1 + lens.distortion * (dx * dx + dy * dy) * lens.inverseSquare;
-        for (int channel = 0; channel < 3; ++channel) {
-            positions.x[channel][i] = lens.centerX + dx * (scale * lens.fringe[channel]);
-            positions.y[channel][i] = lens.centerY + dy * (scale * lens.fringe[channel]);
-        }
-    }
-}
+using LensRecord = HWY_NAMESPACE::LensMap::Record;
 
 struct Interval {
     double low;
@@ -65,7 +95,7 @@ double largestSquare(Interval distance)
 /// The factors are bounded over the whole rectangle, so the result may be larger than needed.
 CGRect region(const void* record, const PixelRect& rect)
 {
-    const LensRecord& lens = lensOf(record);
+    const auto& lens = *static_cast<const LensRecord*>(record);
     const Interval dx{rect.x0 - lens.centerX, rect.x1 - lens.centerX};
     const Interval dy{rect.y0 - lens.centerY, rect.y1 - lens.centerY};
     const double atNearest =
@@ -80,7 +110,7 @@ CGRect region(const void* record, const PixelRect& rect)
     return {lens.centerX + x.low, lens.centerY + y.low, x.high - x.low, y.high - y.low};
 }
 
-const WarpKernel lensKernel{"lens", 3, map, region};
+const WarpKernel lensKernel{"lens", 3, mapLensMap, region};
 
 } // namespace
 
@@ -100,3 +130,5 @@ CIImage Kernels::lens(const CIImage& image, double distortion, double fringe)
 }
 
 } // namespace orvane
+
+#endif

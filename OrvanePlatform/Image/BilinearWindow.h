@@ -4,29 +4,33 @@
 
 namespace orvane {
 
-/// Planes rearranged for bilinear sampling: the four channels of a pixel side by side, so that a
-/// sample is four loads whatever the picture's turn, within a rim of transparent pixels, so that
-/// samples at and beyond the edge need no other code.
+/// Planes made ready for bilinear sampling: as they are where they hold all that is read, otherwise
+/// with a rim of transparent pixels around them.
 class BilinearWindow {
 public:
-    BilinearWindow(const TilePlanes& planes, TileArena& arena);
+    /// `planes` must not be empty. `reach` holds all positions that will be sampled and a pixel
+    /// more on each side.
+    BilinearWindow(const TilePlanes& planes, const PixelRect& reach, TileArena& arena);
 
-    /// Which channels of a sample are wanted.
+    /// Positions come in whole vectors: `count` is rounded up to a multiple of this many.
+    static constexpr int wholeRun = rowPadding;
+    /// The most positions that one call takes.
+    static constexpr int longestRun = 256;
+
+    /// Which channels of a sample are wanted. Rows are written up to a multiple of wholeRun.
     struct Output {
         float* plane[4] = {}; ///< null: not wanted
     };
 
     /// Samples at positions in the planes' own continuous coordinates, pixel centres at +0.5. What
-    /// is not a number, or further than a pixel away from the planes, is transparent. The
-    /// arithmetic is the same at every position, without fused steps.
+    /// is not a number, or further than a pixel away from the planes, is transparent. A sample
+    /// depends on its position alone, not on its neighbours nor on where the planes begin; the
+    /// position is rounded to the nearest 1/65536 of a pixel.
     void sample(const double* xs, const double* ys, int count, const Output& out) const;
 
 private:
-    using Pixel = float __attribute__((vector_size(16)));
-
-    PixelRect m_rect;
-    std::ptrdiff_t m_stride; ///< in pixels
-    const Pixel* m_origin; ///< of the rectangle's first pixel
+    bool m_rimmed;
+    TilePlanes m_planes;
 };
 
 } // namespace orvane

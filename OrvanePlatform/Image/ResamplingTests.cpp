@@ -2,13 +2,17 @@
 // where it is promised.
 
 #include "Bitmap.h"
+#include "CIContext.h"
 #include "Filters/CIFilter.h"
-#include "Filters/FilterTesting.h"
+#include "Filters/PixelExpectations.h"
 #include "Node.h"
+#include "PixelKernels.h"
 
 #include <gtest/gtest.h>
+#include <hwy/targets.h>
 
 #include <cmath>
+#include <limits>
 
 namespace orvane {
 namespace {
@@ -141,6 +145,133 @@ TEST(Transform, BilinearSamplesAndHalvings)
         constant.clampedToExtent().transformed(CGAffineTransform::scale(0.3, 0.3));
     expectRed(small, {0, 0, 2, 1}, {0.5, 0.5}, 1e-6);
 }
+
+/// The same bits from tiles of this size as in one piece.
+void expectSameInTiles(const CIImage& image, const PixelRect& rect, int width, int height)
+{
+    const auto drawn = [&](int tileWidth, int tileHeight) {
+        const CIContext context(
+            {.threads = 1, .tileWidth = tileWidth, .tileHeight = tileHeight, .shuffleSeed = 5});
+        std::vector<float> samples(size_t(rect.width()) * size_t(rect.height()) * 4);
+        EXPECT_TRUE(context.render(image, samples.data(), size_t(rect.width()) * 16, rect.cgRect(),
+                                   PixelFormat::RGBAFloat));
+        return samples;
+    };
+    EXPECT_EQ(drawn(width, height), drawn(rect.width(), rect.height()))
+        << "tiles of " << width << " x " << height;
+}
+
+/// Every instruction set that this machine has.
+class Warp : public testing::TestWithParam<int64_t> {
+protected:
+    void SetUp() override { hwy::SetSupportedTargetsForTest(GetParam()); }
+    void TearDown() override { hwy::SetSupportedTargetsForTest(0); }
+};
+
+CGAffineTransform turned(double degrees)
+{
+    return CGAffineTransform::rotation(degrees * std::acos(-1.0) / 180);
+}
+
+// Runs that fit a window of neighbouring pixels, runs that do not, and rims, at every odd width.
+TEST_P(Warp, SamplesAlikeInAnyTileAndAsTheReference)
+{
+    const struct {
+        const char* name;
+        CGAffineTransform transform;
+    } cases[] = {
+        {"a small move", CGAffineTransform::translation(0.3, -0.7)},
+        {"a slight turn", turned(3)},
+        {"a slight turn the other way", turned(-1.7)},
+        {"a steep turn", turned(33)},
+        {"upside down and mirrored", turned(177).concatenated(CGAffineTransform::scale(-1, 1))},
+        {"on its side", turned(88)},
+        {"smaller: neighbours lie two apart", CGAffineTransform::scale(0.44, 0.9)},
+        {"flat: neighbours lie many apart", CGAffineTransform::scale(0.03, 20)},
+        {"larger", CGAffineTransform::scale(3.3, 2.9)},
+        {"slanted", {1, 0.9, 0.02, 1, 0, 0}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (const int width : {1, 2, 3, 15, 17, 33, 61}) {
+            for (const bool opaque : {true, false}) {
+                const CIImage image =
+                    randomPicture(width, 34 - width / 2, opaque).transformed(c.transform);
+                const PixelRect all = pixelExtent(image).grown(2);
+                expectSameDrawn(image, all, 2e-5);
+                expectSameInTiles(image, all, 7, 5);
+            }
+        }
+        const CIImage image = randomPicture(61, 43, true).transformed(c.transform);
+        expectSameInTiles(image, pixelExtent(image), 1, 1);
+        expectSameInTiles(image, pixelExtent(image), 1000, 1);
+        expectSameInTiles(image, pixelExtent(image), 33, 64);
+        // No edge anywhere near.
+        const CIImage endless =
+            randomPicture(61, 43, true).clampedToExtent().transformed(c.transform);
+        expectSameDrawn(endless, {-9, -11, 70, 50}, 2e-5);
+        expectSameInTiles(endless, {-9, -11, 70, 50}, 19, 3);
+    }
+}
+
+void mapAside(const void*, int x, int y, int count, const WarpPositions& to)
+{
+    for (int i = 0; i < count; ++i) {
+        to.x[0][i] = x + i + 0.5 + 0.3;
+        to.y[0][i] = y + 0.5;
+    }
+}
+
+// Red tells a position's x, whose fraction a float would have lost here.
+TEST_P(Warp, KeepsFractionsFarToTheRight)
+{
+    std::vector<float> rgb;
+    for (int i = 0; i < 65000 * 3; ++i)
+        rgb.insert(rgb.end(), {float(i % 65000 - 64000), 0, 1});
+    const CIImage wide = opaqueImage(65000, 3, rgb);
+    const CIImage moved = wide.transformed(CGAffineTransform::translation(0.3, 0.25));
+    expectRed(moved, {64000, 1, 64003, 2}, {-0.3, 0.7, 1.7}, 2e-5);
+    const CIImage slanted =
+        wide.clampedToExtent().transformed(CGAffineTransform{1, 1e-5, 0, 1, 0.123, 0});
+    expectRed(slanted, {64100, 1, 64102, 2}, {99.877, 100.877}, 2e-4);
+    expectSameInTiles(slanted, {63900, -1, 65003, 4}, 17, 2);
+    // A map that asks for the whole width at once reads the same bits.
+    const WarpKernel kernel{"whole", 1, mapAside,
+                            [](const void*, const PixelRect&) { return CGRect(0, 0, 65000, 3); }};
+    const CIImage whole = applyWarp(kernel, Parameters{}, wide, {0, 0, 65000, 3});
+    const CIImage piece = wide.transformed(CGAffineTransform::translation(-0.3, 0));
+    for (const int x : {0, 13, 31990, 64980})
+        EXPECT_EQ(tiled(whole, {x, 0, x + 20, 3}), tiled(piece, {x, 0, x + 20, 3})) << x;
+}
+
+/// A quarter of a pixel to the right, but for pixels 3 to 7, which lie nowhere.
+void mapNowhere(const void*, int x, int y, int count, const WarpPositions& to)
+{
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const double nowhere[][2] = {
+        {nan, 2.5}, {2.5, nan}, {infinity, 2.5}, {-1e300, 2.5}, {2.5, 4e9}};
+    for (int i = 0; i < count; ++i) {
+        const bool lost = x + i >= 3 && x + i < 8;
+        to.x[0][i] = lost ? nowhere[x + i - 3][0] : x + i + 0.75;
+        to.y[0][i] = lost ? nowhere[x + i - 3][1] : y + 0.5;
+    }
+}
+
+TEST_P(Warp, IsTransparentWhereAPositionIsNone)
+{
+    const WarpKernel kernel{"nowhere", 1, mapNowhere,
+                            [](const void*, const PixelRect&) { return CGRect(0, 0, 20, 4); }};
+    const CIImage image =
+        applyWarp(kernel, Parameters{}, randomPicture(20, 4, true), {0, 0, 20, 4});
+    expectSameDrawn(image, {0, 0, 20, 4}, 2e-5);
+    expectSameInTiles(image, {0, 0, 20, 4}, 3, 1);
+    for (int x = 3; x < 8; ++x)
+        expectPixel(image, x, 2, {0, 0, 0, 0}, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Targets, Warp, testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
+                         [](const auto& target) { return hwy::TargetName(target.param); });
 
 TEST(Lanczos, PublishedRowAndConstants)
 {

@@ -10,17 +10,15 @@ namespace orvane {
 
 namespace {
 
-/// Positions are worked out this many pixels at a time.
-constexpr int sampledRun = 256;
-
-/// Part of a row of a resampling, at most sampledRun pixels of it.
+/// Part of a row of a resampling, at most BilinearWindow::longestRun pixels of it.
 void sampleRow(const WarpNode& node, const BilinearWindow& window, int x, int y, int count,
                TilePlanes& out)
 {
-    double positions[6][sampledRun];
+    double positions[6][BilinearWindow::longestRun];
     const WarpPositions at{{positions[0], positions[1], positions[2]},
                            {positions[3], positions[4], positions[5]}};
-    node.kernel->map(node.parameters.record.data(), x, y, count, at);
+    const int whole = BilinearWindow::wholeRun;
+    node.kernel->map(node.parameters.record.data(), x, y, (count + whole - 1) / whole * whole, at);
     for (int m = 0; m < node.kernel->maps; ++m) {
         BilinearWindow::Output wanted;
         for (int c = 0; c < out.channels(); ++c) {
@@ -71,14 +69,17 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WarpNode&
                                    const PixelRect& rect)
 {
     const Drawn& drawn = m_drawn[size_t(step.inputs[0])];
+    if (drawn.empty)
+        return coveringPlanes({}, rect, m_arena);
     const PixelRect reach =
         roundedOutward(node.kernel->region(node.parameters.record.data(), rect).inset(-1.5, -1.5));
-    const bool inside = !drawn.empty && step.node->inputs[0]->extent.contains(reach);
+    const bool inside = step.node->inputs[0]->extent.contains(reach);
     TilePlanes out = m_arena.planes(rect, inside && drawn.planes.opaque());
-    const BilinearWindow window(drawn.planes, m_arena);
+    const BilinearWindow window(drawn.planes, reach, m_arena);
+    constexpr int run = BilinearWindow::longestRun;
     for (int y = rect.y0; y < rect.y1; ++y) {
-        for (int x = rect.x0; x < rect.x1; x += sampledRun)
-            sampleRow(node, window, x, y, std::min(sampledRun, rect.x1 - x), out);
+        for (int x = rect.x0; x < rect.x1; x += run)
+            sampleRow(node, window, x, y, std::min(run, rect.x1 - x), out);
     }
     return out;
 }

@@ -2,39 +2,69 @@
 // with pixel centres at +0.5; outside the input is transparent. Where the transform reduces, the
 // input is first halved by 2x2 averages while the remaining scale is below 2^-1.2.
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Filters/Affine.cpp"
+#include <hwy/foreach_target.h>
+// After foreach_target.h: compiled once for each instruction set.
 #include "Filters/Affine.h"
-
-#include "PixelKernels.h"
+#include "WarpMap-inl.h"
 
 #include <cmath>
 
+HWY_BEFORE_NAMESPACE();
+namespace orvane::HWY_NAMESPACE {
+namespace {
+
+/// Exact to a few units in a double's last place: below 1e-10 of a pixel on the largest pictures.
+class AffineMap {
+public:
+    static constexpr int maps = 1;
+    struct Record {
+        CGAffineTransform inverse;
+    };
+
+    HWY_INLINE AffineMap(const Record& record, double cy)
+        : m_a(allOf(record.inverse.a))
+        , m_b(allOf(record.inverse.b))
+        , m_rowX(allOf(record.inverse.c * cy + record.inverse.tx))
+        , m_rowY(allOf(record.inverse.d * cy + record.inverse.ty))
+    {
+    }
+    HWY_INLINE void operator()(Doubles cx, Doubles* x, Doubles* y) const
+    {
+        x[0] = hn::MulAdd(m_a, cx, m_rowX);
+        y[0] = hn::MulAdd(m_b, cx, m_rowY);
+    }
+
+private:
+    Doubles m_a;
+    Doubles m_b;
+    Doubles m_rowX;
+    Doubles m_rowY;
+};
+
+ORVANE_WARP_MAP_RUN(AffineMap)
+
+} // namespace
+} // namespace orvane::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
 namespace orvane {
+
+ORVANE_WARP_MAP(AffineMap)
 
 namespace {
 
-struct AffineRecord {
-    CGAffineTransform inverse;
-};
-
-void mapAffine(const void* record, int x, int y, int count, const WarpPositions& positions)
-{
-    const CGAffineTransform& t = static_cast<const AffineRecord*>(record)->inverse;
-    const double cy = y + 0.5;
-    const double rowX = t.c * cy + t.tx;
-    const double rowY = t.d * cy + t.ty;
-    for (int i = 0; i < count; ++i) {
-        const double cx = (x + i) + 0.5;
-        positions.x[0][i] = t.a * cx + rowX;
-        positions.y[0][i] = t.b * cx + rowY;
-    }
-}
+using AffineRecord = HWY_NAMESPACE::AffineMap::Record;
 
 CGRect affineRegion(const void* record, const PixelRect& rect)
 {
     return static_cast<const AffineRecord*>(record)->inverse.apply(rect.cgRect());
 }
 
-const WarpKernel affineKernel{"affineTransform", 1, mapAffine, affineRegion};
+const WarpKernel affineKernel{"affineTransform", 1, mapAffineMap, affineRegion};
 
 /// One halving of the input and of the transform's input side.
 NodePtr halved(const NodePtr& input, CGAffineTransform& transform)
@@ -75,3 +105,5 @@ CIImage affineWarp(const NodePtr& input, const CGAffineTransform& transform)
 }
 
 } // namespace orvane
+
+#endif

@@ -9,59 +9,98 @@
 // The square stands for the rectangle of the input's extent. An output pixel's centre goes through
 // the inverse of H; where that has w <= 0 the plane is behind the eye and nothing is there.
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Filters/Perspective.cpp"
+#include <hwy/foreach_target.h>
+// After foreach_target.h: compiled once for each instruction set.
 #include "Filters/CIFilter.h"
-
 #include "Node.h"
-#include "PixelKernels.h"
+#include "WarpMap-inl.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
 
+HWY_BEFORE_NAMESPACE();
+namespace orvane::HWY_NAMESPACE {
+namespace {
+
+class PerspectiveMap {
+public:
+    static constexpr int maps = 1;
+    using Row = std::array<double, 3>;
+    /// From output to input coordinates, homogeneous; positive w is in front of the eye.
+    struct Record {
+        Row x;
+        Row y;
+        Row w;
+        double extent[4]; ///< the input's: left, bottom, width, height
+    };
+
+    HWY_INLINE PerspectiveMap(const Record& record, double cy)
+        : m_x(record.x, cy)
+        , m_y(record.y, cy)
+        , m_w(record.w, cy)
+    {
+    }
+    HWY_INLINE void operator()(Doubles cx, Doubles* x, Doubles* y) const
+    {
+        const Doubles w = m_w.at(cx);
+        // Division by NaN, so that nothing is there.
+        const Doubles nothing = allOf(std::numeric_limits<double>::quiet_NaN());
+        const Doubles front = hn::IfThenElse(hn::Gt(w, hn::Zero(WarpTag())), w, nothing);
+        const Doubles inverse = hn::Div(allOf(1), front);
+        x[0] = hn::Mul(m_x.at(cx), inverse);
+        y[0] = hn::Mul(m_y.at(cx), inverse);
+    }
+
+private:
+    /// One of the three sums, along a row of output pixels.
+    struct Line {
+        HWY_INLINE Line(const Row& row, double cy)
+            : slope(allOf(row[0]))
+            , start(allOf(row[1] * cy + row[2]))
+        {
+        }
+        HWY_INLINE Doubles at(Doubles cx) const { return hn::MulAdd(slope, cx, start); }
+
+        Doubles slope;
+        Doubles start;
+    };
+
+    Line m_x;
+    Line m_y;
+    Line m_w;
+};
+
+ORVANE_WARP_MAP_RUN(PerspectiveMap)
+
+} // namespace
+} // namespace orvane::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
 namespace orvane {
+
+ORVANE_WARP_MAP(PerspectiveMap)
 
 namespace {
 
-using Row = std::array<double, 3>;
-
-/// From output to input coordinates, homogeneous; positive w is in front of the eye.
-struct PerspectiveRecord {
-    Row x;
-    Row y;
-    Row w;
-    double extent[4]; ///< the input's: left, bottom, width, height
-};
-
-const PerspectiveRecord& perspectiveOf(const void* record)
-{
-    return *static_cast<const PerspectiveRecord*>(record);
-}
+using Row = HWY_NAMESPACE::PerspectiveMap::Row;
+using PerspectiveRecord = HWY_NAMESPACE::PerspectiveMap::Record;
 
 double at(const Row& row, double x, double y)
 {
     return row[0] * x + row[1] * y + row[2];
 }
 
-void mapPerspective(const void* record, int x, int y, int count, const WarpPositions& positions)
-{
-    const PerspectiveRecord& p = perspectiveOf(record);
-    const double cy = y + 0.5;
-    for (int i = 0; i < count; ++i) {
-        const double cx = (x + i) + 0.5;
-        const double w = at(p.w, cx, cy);
-        // Division by NaN, so that nothing is there.
-        const double inverse = 1 / (w > 0 ? w : std::numeric_limits<double>::quiet_NaN());
-        positions.x[0][i] = at(p.x, cx, cy) * inverse;
-        positions.y[0][i] = at(p.y, cx, cy) * inverse;
-    }
-}
-
 /// Where w stays positive a rectangle's image is the quadrilateral of its corners' images. Anything
 /// else may reach to infinity, and then the whole input is asked for.
 CGRect perspectiveRegion(const void* record, const PixelRect& rect)
 {
-    const PerspectiveRecord& p = perspectiveOf(record);
+    const auto& p = *static_cast<const PerspectiveRecord*>(record);
     const double infinity = std::numeric_limits<double>::infinity();
     double left = infinity;
     double bottom = infinity;
@@ -81,7 +120,7 @@ CGRect perspectiveRegion(const void* record, const PixelRect& rect)
     return {left, bottom, right - left, top - bottom};
 }
 
-const WarpKernel perspectiveKernel{"perspectiveTransform", 1, mapPerspective, perspectiveRegion};
+const WarpKernel perspectiveKernel{"perspectiveTransform", 1, mapPerspectiveMap, perspectiveRegion};
 
 using Matrix = std::array<Row, 3>;
 
@@ -156,3 +195,5 @@ CIImage CIFilter::perspectiveTransform(const CIImage& input, const Corners& corn
 }
 
 } // namespace orvane
+
+#endif

@@ -18,18 +18,13 @@ struct Contrast : PremultipliedKernel<1> {
         float slope;
     };
 
-    template <class L> static HWY_INLINE L channel(L value, L slope)
-    {
-        const L encoded = power(value, L(0.4545f));
-        const L steeper = (encoded - L(0.5f)) * slope + L(0.5f);
-        return power(clamp(steeper, L(0.0f), L(1.0f)), L(2.2f));
-    }
-
     template <class L>
     static HWY_INLINE Pixel<L> pixel(const Record& p, const float*, const Pixel<L>* in, Place<L>)
     {
-        const L slope(p.slope);
-        return {channel(in->r, slope), channel(in->g, slope), channel(in->b, slope), in->a};
+        using V = Three<L>;
+        const V encoded = power0p4545(max(in->rgb(), V(0.0f)));
+        const V steeper = mulAdd(encoded - V(0.5f), V(p.slope), V(0.5f));
+        return pixelOf(power2p2(clamp(steeper, V(0.0f), V(1.0f))), in->a);
     }
 };
 

@@ -27,8 +27,9 @@ struct RadialLight : PremultipliedKernel<0> {
     struct Record {
         float centerX;
         float centerY;
-        float radius;
+        float inverseRadius;
         float core;
+        float fall; ///< 1 / (1 - core)
         float invert;
         float amounts[4];
     };
@@ -40,8 +41,8 @@ struct RadialLight : PremultipliedKernel<0> {
         const L one(1.0f);
         const L dx = place.x - L(p.centerX);
         const L dy = place.y - L(p.centerY);
-        const L t = sqrt(dx * dx + dy * dy) / L(p.radius);
-        const L f = (one - t) / max(one - L(p.core), L(1e-6f));
+        const L t = sqrt(dx * dx + dy * dy) * L(p.inverseRadius);
+        const L f = (one - t) * L(p.fall);
         const L eased = f * f * (L(3.0f) - L(2.0f) * f);
         const L weight = select(t >= one, zero, select(t <= L(p.core), one, eased));
         return scaled(p.amounts, mix(weight, one - weight, L(p.invert)));
@@ -54,7 +55,7 @@ struct LinearLight : PremultipliedKernel<0> {
     struct Record {
         float centerX;
         float centerY;
-        float reach;
+        float inverseReach;
         float cosine;
         float sine;
         float feather;
@@ -68,7 +69,7 @@ struct LinearLight : PremultipliedKernel<0> {
         const L one(1.0f);
         const L along =
             (place.x - L(p.centerX)) * L(p.cosine) - (place.y - L(p.centerY)) * L(p.sine);
-        const L w = clamp((along / L(p.reach) + one) * L(0.5f), L(0.0f), one);
+        const L w = clamp((along * L(p.inverseReach) + one) * L(0.5f), L(0.0f), one);
         const L eased = w * w * (L(3.0f) - L(2.0f) * w);
         const L weight = mix(w, eased, L(p.feather));
         return scaled(p.amounts, mix(weight, one - weight, L(p.invert)));
@@ -108,22 +109,17 @@ struct ApplyLights : PremultipliedKernel<2> {
         const L sat = in[1].a;
         const auto dark = abs(bright) + abs(warm) + abs(contrast) + abs(sat) < L(0.001f);
 
+        using V = Three<L>;
         const L factor = one + clamp(bright, L(-0.9f), L(4.0f));
         const L shift = warm * L(p.warmthReach);
-        Pixel<L> c{power(s.r, L(0.4545f)) * factor + shift, power(s.g, L(0.4545f)) * factor,
-                   power(s.b, L(0.4545f)) * factor - shift, s.a};
-        const L half(0.5f);
-        const L slope = one + clamp(contrast, L(-0.9f), L(2.0f));
-        c = {half + (c.r - half) * slope, half + (c.g - half) * slope, half + (c.b - half) * slope,
-             s.a};
+        V c = power0p4545(max(s.rgb(), V(0.0f))) * factor + V(shift, zero, -shift);
+        const V half(0.5f);
+        c = half + (c - half) * (one + clamp(contrast, L(-0.9f), L(2.0f)));
         const L lum = luminance(c.r, c.g, c.b);
-        const L strength = one + clamp(sat, L(-1.0f), L(2.0f));
-        const auto finished = [&](L value) {
-            const L mixed = lum + (value - lum) * strength;
-            return power(clamp(mixed, zero, one), L(2.2f));
-        };
-        return {select(dark, s.r, finished(c.r)), select(dark, s.g, finished(c.g)),
-                select(dark, s.b, finished(c.b)), s.a};
+        const V middle(lum, lum, lum);
+        c = middle + (c - middle) * (one + clamp(sat, L(-1.0f), L(2.0f)));
+        const V lit = power2p2(clamp(c, V(0.0f), V(1.0f)));
+        return {select(dark, s.r, lit.r), select(dark, s.g, lit.g), select(dark, s.b, lit.b), s.a};
     }
 };
 ORVANE_KERNEL_RUNS(ApplyLights)
@@ -143,11 +139,26 @@ ORVANE_KERNEL(linearLightKernel, LinearLight, "linearLight");
 ORVANE_KERNEL(paintedLightKernel, PaintedLight, "paintedLight");
 ORVANE_KERNEL(applyLightsKernel, ApplyLights, "applyLights");
 
+namespace {
+
+/// Finite for a length of 0 too.
+float inverse(double length)
+{
+    return float(1 / std::max(length, 1e-30));
+}
+
+} // namespace
+
 CIImage LightKernels::radial(const CGRect& extent, CGPoint center, double radius, double core,
                              bool invert, const Amounts& amounts)
 {
-    HWY_NAMESPACE::RadialLight::Record record{float(center.x), float(center.y),      float(radius),
-                                              float(core),     invert ? 1.0f : 0.0f, {}};
+    HWY_NAMESPACE::RadialLight::Record record{float(center.x),
+                                              float(center.y),
+                                              inverse(radius),
+                                              float(core),
+                                              float(1 / std::max(1 - core, 1e-6)),
+                                              invert ? 1.0f : 0.0f,
+                                              {}};
     std::copy(amounts.begin(), amounts.end(), record.amounts);
     return applyKernel(radialLightKernel, Parameters::of(record), {}, extent, false);
 }
@@ -156,7 +167,7 @@ CIImage LightKernels::linear(const CGRect& extent, CGPoint center, double reach,
                              double sine, double feather, bool invert, const Amounts& amounts)
 {
     HWY_NAMESPACE::LinearLight::Record record{
-        float(center.x), float(center.y), float(reach),         float(cosine),
+        float(center.x), float(center.y), inverse(reach),       float(cosine),
         float(sine),     float(feather),  invert ? 1.0f : 0.0f, {}};
     std::copy(amounts.begin(), amounts.end(), record.amounts);
     return applyKernel(linearLightKernel, Parameters::of(record), {}, extent, false);

@@ -24,10 +24,9 @@ struct WhitesBlacks : PremultipliedKernel<1> {
     {
         const L zero(0.0f);
         const L one(1.0f);
-        const L exponent(3.2f);
         const L lum = clamp(luminance(in->r, in->g, in->b), zero, one);
-        const L push = L(p.whites * 0.372f) * power(lum, exponent)
-            + L(p.blacks * 0.372f) * power(one - lum, exponent);
+        const L push =
+            L(p.whites * 0.372f) * power3p2(lum) + L(p.blacks * 0.372f) * power3p2(one - lum);
         return {clamp(in->r + push, zero, one), clamp(in->g + push, zero, one),
                 clamp(in->b + push, zero, one), in->a};
     }

@@ -51,32 +51,43 @@ struct Encoded {
     Lanes a;
 };
 
-template <AlphaUse Use>
-HWY_INLINE Lanes encodedChannel(Lanes v, Lanes alpha, Lanes inverseAlpha, Lanes scale)
+HWY_INLINE Three<Lanes> colour(const float* const planes[4], int i)
 {
-    Lanes straight = unit(v * inverseAlpha);
-    if (Use == AlphaUse::OverBlack)
-        straight = straight * alpha;
-    return floor(mulAdd(encodeSrgb(straight), scale, Lanes(0.5f)));
+    return {Lanes::load(planes[0] + i), Lanes::load(planes[1] + i), Lanes::load(planes[2] + i)};
+}
+
+/// round(e * scale) of the encoded, clipped colour.
+HWY_INLINE Three<Lanes> encoded(Three<Lanes> straight, Lanes scale)
+{
+    using V = Three<Lanes>;
+    const V steps(scale, scale, scale);
+    return floor(mulAdd(encodeSrgbPositive(straight), steps, V(0.5f)));
+}
+
+HWY_INLINE Three<Lanes> unit(Three<Lanes> x)
+{
+    return {unit(x.r), unit(x.g), unit(x.b)};
 }
 
 template <AlphaUse Use>
 HWY_INLINE Encoded encodedPixels(const float* const planes[4], int i, float steps)
 {
     const Lanes top(steps);
-    Lanes alpha(1.0f);
-    Lanes inverse(1.0f);
-    if (planes[3]) {
-        const Lanes stored = Lanes::load(planes[3] + i);
-        const auto visible = stored > Lanes(1e-30f);
-        alpha = unit(stored);
-        inverse = select(visible, Lanes(1.0f) / select(visible, stored, Lanes(1.0f)), Lanes(0.0f));
+    if (!planes[3]) {
+        const Three<Lanes> opaque = encoded(unit(colour(planes, i)), top);
+        return {opaque.r, opaque.g, opaque.b, top};
     }
+    const Lanes one(1.0f);
+    const Lanes stored = Lanes::load(planes[3] + i);
+    const auto visible = stored > Lanes(1e-30f);
+    const Lanes alpha = unit(stored);
+    const Lanes inverse = select(visible, one / select(visible, stored, one), Lanes(0.0f));
+    Three<Lanes> straight = unit(colour(planes, i) * inverse);
+    if (Use == AlphaUse::OverBlack)
+        straight = straight * alpha;
     const Lanes wholeAlpha = floor(mulAdd(alpha, top, Lanes(0.5f)));
-    const Lanes scale = Use == AlphaUse::Premultiplied ? wholeAlpha : top;
-    return {encodedChannel<Use>(Lanes::load(planes[0] + i), alpha, inverse, scale),
-            encodedChannel<Use>(Lanes::load(planes[1] + i), alpha, inverse, scale),
-            encodedChannel<Use>(Lanes::load(planes[2] + i), alpha, inverse, scale), wholeAlpha};
+    const Three<Lanes> c = encoded(straight, Use == AlphaUse::Premultiplied ? wholeAlpha : top);
+    return {c.r, c.g, c.b, wholeAlpha};
 }
 
 using ByteTag = hn::Rebind<uint8_t, FloatTag>;
@@ -84,11 +95,11 @@ using WordTag = hn::Rebind<uint16_t, FloatTag>;
 
 HWY_INLINE hn::Vec<ByteTag> bytes(Lanes whole)
 {
-    return hn::DemoteTo(ByteTag(), hn::ConvertTo(IntTag(), whole.v));
+    return hn::DemoteTo(ByteTag(), integers(whole));
 }
 HWY_INLINE hn::Vec<WordTag> words(Lanes whole)
 {
-    return hn::DemoteTo(WordTag(), hn::ConvertTo(IntTag(), whole.v));
+    return hn::DemoteTo(WordTag(), integers(whole));
 }
 
 // Each writes whole vectors: `to` has room for rowPadding pixels more.

@@ -49,7 +49,14 @@ template <class L> struct Pixel {
     L g;
     L b;
     L a;
+
+    HWY_INLINE Three<L> rgb() const { return {r, g, b}; }
 };
+
+template <class L> HWY_INLINE Pixel<L> pixelOf(const Three<L>& rgb, L a)
+{
+    return {rgb.r, rgb.g, rgb.b, a};
+}
 
 /// A pixel's centre, y up.
 template <class L> struct Place {

@@ -30,16 +30,10 @@ struct CubeStrides {
     size_t back;
 };
 
-template <class L> struct Colour {
-    L r;
-    L g;
-    L b;
-};
-
 /// Trilinear, one float at a time.
 template <class L>
-HWY_INLINE Colour<L> interpolated(const float* table, const CubeStrides& s,
-                                  const CubePlace<L>& place)
+HWY_INLINE Three<L> interpolated(const float* table, const CubeStrides& s,
+                                 const CubePlace<L>& place)
 {
     L channels[3];
     for (size_t c = 0; c < 3; ++c) {
@@ -56,8 +50,8 @@ HWY_INLINE Colour<L> interpolated(const float* table, const CubeStrides& s,
 
 #if HWY_TARGET != HWY_SCALAR
 /// Trilinear, one pixel at a time with a node in a vector.
-HWY_INLINE Colour<Lanes> interpolated(const float* table, const CubeStrides& s,
-                                      const CubePlace<Lanes>& place)
+HWY_INLINE Three<Lanes> interpolated(const float* table, const CubeStrides& s,
+                                     const CubePlace<Lanes>& place)
 {
     const FloatTag all;
     const IntTag integers;
@@ -83,7 +77,7 @@ HWY_INLINE Colour<Lanes> interpolated(const float* table, const CubeStrides& s,
         const Four rear = between(alongRed(node + s.back), alongRed(node + s.back + s.up), g);
         hn::Store(between(front, rear, hn::Set(four, fractions[2][i])), four, pixels + i * 4);
     }
-    Colour<Lanes> colour;
+    Three<Lanes> colour;
     FloatVector unused;
     hn::LoadInterleaved4(all, pixels, colour.r.v, colour.g.v, colour.b.v, unused);
     return colour;
@@ -95,31 +89,24 @@ struct Cube : StraightKernel<1> {
     struct Record {
         float last; ///< N - 1
     };
-    template <class L> static HWY_INLINE L position(const Record& p, L v)
-    {
-        // A comparison, not max: it gives 0 for what is not a number, so no index leaves the table.
-        const L held = select(v > L(0.0f), min(v, L(1.0f)), L(0.0f));
-        return encodeSrgb(held) * L(p.last);
-    }
     template <class L>
     static HWY_INLINE Pixel<L> pixel(const Record& p, const float* table, const Pixel<L>* in,
                                      Place<L>)
     {
-        const L r = position(p, in[0].r);
-        const L g = position(p, in[0].g);
-        const L b = position(p, in[0].b);
-        const L highest(p.last - 1);
-        const L cellR = min(floor(r), highest);
-        const L cellG = min(floor(g), highest);
-        const L cellB = min(floor(b), highest);
+        using V = Three<L>;
+        // A comparison, not max: it gives 0 for what is not a number, so no index leaves the table.
+        const V held = select(in->rgb() > V(0.0f), min(in->rgb(), V(1.0f)), V(0.0f));
+        const V position = encodeSrgbPositive(held) * V(p.last);
+        const V cell = min(floor(position), V(p.last - 1));
+        const V beyond = position - cell;
         const size_t side = size_t(p.last) + 1;
         const CubeStrides strides{side * 4, side * side * 4};
         // At most 4 * 64^3: exact in a float.
-        const L node = mulAdd(cellB, L(float(strides.back)),
-                              mulAdd(cellG, L(float(strides.up)), cellR * L(4.0f)));
-        const CubePlace<L> place{node, r - cellR, g - cellG, b - cellB};
-        const Colour<L> found = interpolated(table, strides, place);
-        return {decodeSrgb(found.r), decodeSrgb(found.g), decodeSrgb(found.b), in[0].a};
+        const L node = mulAdd(cell.b, L(float(strides.back)),
+                              mulAdd(cell.g, L(float(strides.up)), cell.r * L(4.0f)));
+        const CubePlace<L> place{node, beyond.r, beyond.g, beyond.b};
+        const Three<L> found = interpolated(table, strides, place);
+        return pixelOf(decodeSrgb(found), in->a);
     }
 };
 ORVANE_KERNEL_RUNS(Cube)

@@ -18,8 +18,7 @@ struct Gamma : StraightKernel<1> {
     template <class L>
     static HWY_INLINE Pixel<L> pixel(const Record& p, const float*, const Pixel<L>* in, Place<L>)
     {
-        const auto raised = [&p](L x) { return min(power(x, L(p.power)), L(1e38f)); };
-        return {raised(in[0].r), raised(in[0].g), raised(in[0].b), in[0].a};
+        return pixelOf(min(power(in->rgb(), L(p.power)), Three<L>(1e38f)), in->a);
     }
 };
 ORVANE_KERNEL_RUNS(Gamma)

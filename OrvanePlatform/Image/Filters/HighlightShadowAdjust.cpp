@@ -29,7 +29,7 @@ struct HighlightShadow : StraightKernel<1> {
         const L one(1.0f);
         const L y = luminance(in[0].r, in[0].g, in[0].b);
         // Clamping ahead of the encoding is the same, its ends being fixed points.
-        const L tone = encodeSrgb(clamp(y, L(0.0f), one));
+        const L tone = encodeSrgbPositive(clamp(y, L(0.0f), one));
         const L rest = one - tone;
         const L highlight = mulAdd(L(p.recover), tone, L(p.brighten) * rest);
         const L gain = exp2(mulAdd(highlight, tone * tone, L(p.shadow) * (rest * rest)));

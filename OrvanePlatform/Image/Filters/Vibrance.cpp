@@ -42,7 +42,7 @@ struct Vibrance : StraightKernel<1> {
         const L y = luma(c.r, c.g, c.b);
         const auto lit = most > zero;
         const L ratio = select(lit, clamp(least / select(lit, most, one), zero, one), zero);
-        const L pale = power(ratio, L(1.0f / 2.2f));
+        const L pale = power1Over2p2(ratio);
         const L spared = mulAdd(skin(c), L(-p.skinShare), one);
         L k = max(mulAdd(L(p.amount) * pale, spared, one), zero);
         // The bound is at least 1, so it holds boosts alone.

@@ -76,16 +76,19 @@ TEST(NoiseReduction, WeighsTransparentPixelsByTheirOwnColour)
 
 TEST(NoiseReduction, TilesAgreeWithTheReference)
 {
+    // Noise levels magnify: at 0.05 a weight's exponent moves by 60 times the lightness's error of
+    // 5e-7, and the pixels here are a whole range apart.
+    constexpr double tolerance = 3e-5;
     for (const bool opaque : {true, false}) {
         for (const int width : {1, 2, 15, 16, 17, 33}) {
             const CIImage image = CIFilter::noiseReduction(
                 randomPicture(width, 7, opaque, uint32_t(width)), 0.1, 0.6);
             EXPECT_EQ(image.isOpaque(), opaque);
-            expectSameDrawn(image, {-1, -1, width + 1, 8}, 1e-5);
+            expectSameDrawn(image, {-1, -1, width + 1, 8}, tolerance);
             // An endless picture, from a place of its own.
             const CIImage endless =
                 CIFilter::noiseReduction(randomPicture(width, 7, opaque).clampedToExtent(), 0.05);
-            expectSameDrawn(endless, {-3, 4, width, 9}, 1e-5);
+            expectSameDrawn(endless, {-3, 4, width, 9}, tolerance);
         }
     }
 }

@@ -37,6 +37,7 @@ struct CGImage {
 struct PassStatistics {
     std::string operations; ///< in the order of drawing
     double megapixels = 0; ///< drawn; of a reduced blur, cells
+    double storedMegabytes = 0; ///< of the window that it draws into
     double milliseconds = 0; ///< wall time, all workers together
 };
 

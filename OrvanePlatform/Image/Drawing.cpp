@@ -188,15 +188,22 @@ void Drawing::drawTile(const PlanPass& pass, int slot, const PixelRect& tile,
     case Form::Whole:
         return image->write(evaluator(pass, slot).draw(tile), tile);
     case Form::Averages: {
-        const int f = planned.factor;
-        const PixelRect full{tile.x0 * f, tile.y0 * f, tile.x1 * f, tile.y1 * f};
-        return averageCells(evaluator(pass, slot).draw(full), tile, f, *image, arena);
+        if (planned.averages < 0) {
+            const int levels = levelsBetween(1, planned.factor);
+            return averageCells(evaluator(pass, slot).draw(finerCells(tile, levels)), tile, levels,
+                                *image, arena);
+        }
+        const StoredPlan& finer = m_plan.stored[size_t(planned.averages)];
+        arena.reset();
+        return averageCells(*m_stored[size_t(planned.averages)],
+                            coarseEdges(*finer.node->inputs.front()), tile,
+                            levelsBetween(finer.factor, planned.factor), *image, arena);
     }
     case Form::ReducedBlur: {
         const Pass& own = m_passes[size_t(&pass - m_plan.passes.data())];
         arena.reset();
         return blurCells(*m_stored[size_t(planned.averages)], own.tables->steps.back().blur, tile,
-                         coarseEdges(planned), *image, arena);
+                         coarseEdges(*planned.node->inputs.front()), *image, arena);
     }
     case Form::Histogram:
         return count(*planned.node->as<HistogramNode>(), evaluator(pass, slot).draw(tile), tile);
@@ -216,8 +223,10 @@ bool Drawing::drawRows(size_t step, const TiledRenderer::TileTarget& target)
             pass.target >= 0 && m_plan.stored[size_t(pass.target)].form == Form::ReducedBlur;
         m_statistics.passes += !blur;
     }
-    if (pass.target >= 0 && !m_stored[size_t(pass.target)])
+    if (pass.target >= 0 && !m_stored[size_t(pass.target)]) {
         allocate(size_t(pass.target));
+        own.storedMegabytes = double(m_stored[size_t(pass.target)]->byteSize()) / 1e6;
+    }
     const auto tiles = tilesOf(rows.rect, pass.tileWidth, pass.tileHeight, m_settings.shuffleSeed);
     std::atomic<size_t> next = 0;
     m_pool.run([&](int slot) {
@@ -289,7 +298,8 @@ void Drawing::report(double sinkMilliseconds)
     for (size_t p = 0; p < m_passes.size(); ++p) {
         if (m_passes[p].tables)
             m_statistics.passTimes.push_back({operationNames(m_plan, m_plan.passes[p]),
-                                              m_passes[p].megapixels, m_passes[p].milliseconds});
+                                              m_passes[p].megapixels, m_passes[p].storedMegabytes,
+                                              m_passes[p].milliseconds});
     }
     *m_options.statistics = m_statistics;
 }

@@ -35,6 +35,7 @@ private:
         std::vector<std::unique_ptr<TileEvaluator>> evaluators; ///< by worker
         double milliseconds = 0;
         double megapixels = 0;
+        double storedMegabytes = 0;
     };
 
     bool cancelled() const;

@@ -1,81 +1,28 @@
 // Which rectangles the passes of a plan read: on the full grid and on the coarse grids of the
 // blurs.
 
+#include "BlurGrid.h"
 #include "Planner.h"
-
-#include <algorithm>
-#include <cmath>
-#include <utility>
 
 namespace orvane {
 
-int blurReduction(float sigma)
-{
-    int factor = 1;
-    while (float(factor) * 2 <= sigma / 8)
-        factor *= 2;
-    return factor;
-}
-
-double reducedSigma(float sigma, int factor)
-{
-    const double f = factor;
-    const double variance =
-        (double(sigma) * double(sigma) + 1.0 / 12 - (f * f - 1) / 12 - f * f / 6) / (f * f)
-        - 1.0 / 12;
-    return std::sqrt(variance);
-}
-
-CoarseEdges coarseEdges(const StoredPlan& blur)
-{
-    const Node* input = blur.node->inputs.front().get();
-    const auto* clamp = input->as<ClampNode>();
-    return clamp && !input->inputs.front()->extent.infinite ? CoarseEdges::Repeated
-                                                            : CoarseEdges::Transparent;
-}
-
 namespace {
 
-int coarseReach(const StoredPlan& blur)
+const Node& blurredNode(const StoredPlan& stored)
 {
-    return int(std::ceil(3 * reducedSigma(blur.node->as<GaussianNode>()->sigma, blur.factor)));
+    return *stored.node->inputs.front();
 }
 
-/// The averages that `cells` of a reduced blur are made of.
-PixelRect averagesBehind(const StoredPlan& blur, const PixelRect& cells)
+/// The averages that `cells` of a reduced blur, or of coarser averages, are made of.
+PixelRect averagesBehind(const Plan& plan, const StoredPlan& target, const PixelRect& cells)
 {
-    const int f = blur.factor;
-    const PixelRect wanted = cells.grown(coarseReach(blur));
-    const Node* input = blur.node->inputs.front().get();
-    const bool repeated = coarseEdges(blur) == CoarseEdges::Repeated;
-    const Extent& extent = (repeated ? *input->inputs.front() : *input).extent;
-    if (extent.infinite)
-        return wanted;
-    const PixelRect& r = extent.rect;
-    const PixelRect covering{floorDivided(r.x0, f), floorDivided(r.y0, f),
-                             floorDivided(r.x1 - 1, f) + 1, floorDivided(r.y1 - 1, f) + 1};
-    if (!repeated)
-        return wanted.intersection(covering);
-    // A cell beyond the picture's edge cells averages repeats of one row or column of pixels, and
-    // so do all cells beyond it: one ring of them stands for the rest.
-    const PixelRect ring = covering.grown(1);
-    const auto held = [](int low, int high, int first, int last) {
-        return std::pair{std::clamp(low, first, last - 1), std::clamp(high, first + 1, last)};
-    };
-    const auto [x0, x1] = held(wanted.x0, wanted.x1, ring.x0, ring.x1);
-    const auto [y0, y1] = held(wanted.y0, wanted.y1, ring.y0, ring.y1);
-    return {x0, y0, x1, y1};
-}
-
-/// The cells that bilinear reads of `rect` touch.
-PixelRect reducedCells(const PixelRect& rect, int factor)
-{
-    if (rect.isEmpty())
-        return {};
-    const int half = factor / 2;
-    return {floorDivided(rect.x0 - half, factor), floorDivided(rect.y0 - half, factor),
-            floorDivided(rect.x1 - 1 - half, factor) + 2,
-            floorDivided(rect.y1 - 1 - half, factor) + 2};
+    const StoredPlan& averages = plan.stored[size_t(target.averages)];
+    const bool blur = target.form == StoredPlan::Form::ReducedBlur;
+    const PixelRect wanted = blur
+        ? cells.grown(coarseReach(target.node->as<GaussianNode>()->sigma, target.factor))
+        : finerCells(cells, levelsBetween(averages.factor, target.factor));
+    const Node& input = blurredNode(averages);
+    return cellExtent(input, averages.factor).held(wanted, coarseEdges(input));
 }
 
 } // namespace
@@ -85,19 +32,19 @@ PixelRect pixelsBehind(const Plan& plan, const PlanPass& pass, const PixelRect& 
     if (pass.target < 0 || plan.stored[size_t(pass.target)].form != StoredPlan::Form::Averages)
         return rect;
     const StoredPlan& averages = plan.stored[size_t(pass.target)];
-    const int f = averages.factor;
-    return averages.node->inputs.front()->extent.clipped(
-        {rect.x0 * f, rect.y0 * f, rect.x1 * f, rect.y1 * f});
+    return blurredNode(averages).extent.clipped(
+        finerCells(rect, levelsBetween(1, averages.factor)));
 }
 
 std::vector<StoredRead> storedReads(const Plan& plan, const PlanPass& pass, const PixelRect& rect)
 {
-    std::vector<StoredRead> reads;
-    if (pass.target >= 0) {
+    if (rect.isEmpty())
+        return {};
+    if (pass.target >= 0 && plan.stored[size_t(pass.target)].averages >= 0) {
         const StoredPlan& target = plan.stored[size_t(pass.target)];
-        if (target.form == StoredPlan::Form::ReducedBlur)
-            return {{target.averages, averagesBehind(target, rect)}};
+        return {{target.averages, averagesBehind(plan, target, rect)}};
     }
+    std::vector<StoredRead> reads;
     std::vector<PixelRect> requests;
     requestedRects(pass, pixelsBehind(plan, pass, rect), requests);
     for (size_t i = 0; i < pass.steps.size(); ++i) {
@@ -107,7 +54,7 @@ std::vector<StoredRead> storedReads(const Plan& plan, const PlanPass& pass, cons
         const StoredPlan& stored = plan.stored[size_t(index)];
         reads.push_back({index,
                          stored.form == StoredPlan::Form::ReducedBlur
-                             ? reducedCells(requests[i], stored.factor)
+                             ? coarserCells(requests[i], levelsBetween(1, stored.factor))
                              : requests[i]});
     }
     return reads;

@@ -184,49 +184,6 @@ void premultiplyRun(float* const rgb[3], const float* alpha, int count)
     }
 }
 
-// Four vectors at a time share each weight's load; the sums run from the outermost tap inwards, so
-// a pixel's value never depends on where its tile begins.
-void convolveRun(const float* in, std::ptrdiff_t step, float* out, int count, const float* weights,
-                 int reach)
-{
-    const int n = int(Lanes::count());
-    for (int i = 0; i < count; i += 4 * n) {
-        const float* p = in + i;
-        const int blocks = std::min(4, (count - i + n - 1) / n);
-        Lanes sums[4] = {Lanes(0.0f), Lanes(0.0f), Lanes(0.0f), Lanes(0.0f)};
-        for (int k = reach; k > 0; --k) {
-            const Lanes weight(weights[k]);
-            const float* low = p - k * step;
-            const float* high = p + k * step;
-            for (int b = 0; b < blocks; ++b)
-                sums[b] =
-                    mulAdd(Lanes::load(low + b * n) + Lanes::load(high + b * n), weight, sums[b]);
-        }
-        for (int b = 0; b < blocks; ++b)
-            mulAdd(Lanes::load(p + b * n), Lanes(weights[0]), sums[b]).store(out + i + b * n);
-    }
-}
-
-void sumRowsRun(const float* first, std::ptrdiff_t stride, const float* weights, int rows,
-                float* out, int count)
-{
-    const int n = int(Lanes::count());
-    for (int i = 0; i < count; i += 2 * n) {
-        // The second vector may lie past the row's padding; then it is the first once more.
-        const int second = i + n < count ? n : 0;
-        Lanes a(0.0f);
-        Lanes b(0.0f);
-        for (int k = 0; k < rows; ++k) {
-            const float* p = first + k * stride + i;
-            const Lanes weight(weights[k]);
-            a = mulAdd(Lanes::load(p), weight, a);
-            b = mulAdd(Lanes::load(p + second), weight, b);
-        }
-        b.store(out + i + second);
-        a.store(out + i);
-    }
-}
-
 } // namespace
 } // namespace orvane::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -248,8 +205,6 @@ HWY_EXPORT(bgrx8Run);
 HWY_EXPORT(bgra8PremultipliedRun);
 HWY_EXPORT(matrixRun);
 HWY_EXPORT(premultiplyRun);
-HWY_EXPORT(convolveRun);
-HWY_EXPORT(sumRowsRun);
 
 void halvesFromFloats(const float* from, uint16_t* to, int count)
 {
@@ -269,23 +224,6 @@ void applyMatrix(const float* m, float* const rgb[3], int count)
 void premultiply(float* const rgb[3], const float* alpha, int count)
 {
     HWY_DYNAMIC_DISPATCH(premultiplyRun)(rgb, alpha, count);
-}
-
-void convolveAcross(const float* in, float* out, int count, const float* weights, int reach)
-{
-    HWY_DYNAMIC_DISPATCH(convolveRun)(in, 1, out, count, weights, reach);
-}
-
-void sumRows(const float* first, std::ptrdiff_t stride, const float* weights, int rows, float* out,
-             int count)
-{
-    HWY_DYNAMIC_DISPATCH(sumRowsRun)(first, stride, weights, rows, out, count);
-}
-
-void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
-                  const float* weights, int reach)
-{
-    HWY_DYNAMIC_DISPATCH(convolveRun)(in, stride, out, count, weights, reach);
 }
 
 int bytesPerPixel(PixelFormat format)

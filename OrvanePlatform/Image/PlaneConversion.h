@@ -21,13 +21,4 @@ void applyMatrix(const float* m, float* const rgb[3], int count);
 /// rgb' = rgb * a.
 void premultiply(float* const rgb[3], const float* alpha, int count);
 
-/// out[x] = sum of weights[|k|] in[x + k] for |k| <= reach. `in` and `out` must differ.
-void convolveAcross(const float* in, float* out, int count, const float* weights, int reach);
-/// out[x] = sum of weights[k] of the row k strides after the first, k below `rows`.
-void sumRows(const float* first, std::ptrdiff_t stride, const float* weights, int rows, float* out,
-             int count);
-/// out[x] = sum of weights[|k|] of the rows k strides away.
-void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
-                  const float* weights, int reach);
-
 } // namespace orvane

@@ -4,7 +4,8 @@
 // A fused pass ends, that is, an input is drawn into memory first, only where
 //   1. a neighbourhood or a resampling reads more than `windowLimit` times the pixels of its input
 //      that it would read without a border, tile for tile (a wide blur, a steep rotation);
-//   2. a blur is large enough to be computed at a reduced size: its reduced result is stored;
+//   2. a blur is large enough to be computed at a reduced size: its reduced input, which blurs of
+//      the same picture share, and its reduced result are stored;
 //   3. a histogram counts: its counts are stored;
 //   4. a result is read by more than one pass;
 //   5. intermediates are kept for later draws and a scaling reduces its input: a preview's small
@@ -17,9 +18,13 @@
 
 #include "Planner.h"
 
+#include "BlurGrid.h"
+
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <optional>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -28,9 +33,9 @@ namespace orvane {
 namespace {
 
 constexpr double windowLimit = 1.35;
-constexpr int defaultTileWidth = 256;
-constexpr int defaultTileHeight = 128;
-constexpr int coarseTileHeight = 32;
+constexpr int defaultTileWidth = 512;
+constexpr int defaultTileHeight = 64;
+constexpr int coarsestFromPixels = 8;
 /// Floats of one plane that a tile's widest step may hold; above it tiles shrink.
 constexpr double widestStep = 4.0 * defaultTileWidth * defaultTileHeight;
 
@@ -68,6 +73,18 @@ double inputDensity(const Node& node)
     return 1;
 }
 
+/// What is averaged, and how coarsely; in order of the factor for one input.
+struct AveragesKey {
+    Digest input;
+    int factor = 1;
+
+    bool operator<(const AveragesKey& o) const
+    {
+        return std::tuple(input.high, input.low, factor)
+            < std::tuple(o.input.high, o.input.low, o.factor);
+    }
+};
+
 class Planner {
 public:
     Planner(const Node& root, const PixelRect& rect, Intermediates intermediates)
@@ -95,8 +112,10 @@ private:
     {
         m_plan = {};
         m_storedIndex.clear();
+        m_averages.clear();
         // Even the picture itself may be one that is kept.
         collectPass(m_root, -1, false);
+        chainAverages();
     }
 
     /// The pass that draws `node` into stored image `target`; those it reads from come before it.
@@ -181,16 +200,57 @@ private:
         return index;
     }
 
+    // ---- Rule 2 ----
+
     int storedAverages(const Node& blur, int factor)
     {
+        const AveragesKey key{blur.inputs.front()->digest, factor};
+        if (const auto found = m_averages.find(key); found != m_averages.end())
+            return found->second;
         StoredPlan stored;
         stored.node = &blur;
         stored.form = StoredPlan::Form::Averages;
         stored.factor = factor;
         const int index = int(m_plan.stored.size());
+        m_averages[key] = index;
         m_plan.stored.push_back(stored);
         collectPass(*blur.inputs.front(), index, false);
+        // Far coarser ones would read their tiles with a border as wide as the tiles.
+        if (factor > coarsestFromPixels)
+            storedAverages(blur, coarsestFromPixels);
         return index;
+    }
+
+    /// Averages that are wanted at several factors are made one from the other.
+    void chainAverages()
+    {
+        // The coarsest first: each then pulls the ones that it needs before itself, and they
+        // theirs.
+        for (auto entry = m_averages.rbegin(); entry != m_averages.rend(); ++entry) {
+            const auto& [key, index] = *entry;
+            int finer = -1;
+            for (int factor = 2; factor < key.factor; factor *= 2) {
+                const auto found = m_averages.find({key.input, factor});
+                finer = found == m_averages.end() ? finer : found->second;
+            }
+            if (finer < 0)
+                continue;
+            m_plan.stored[size_t(index)].averages = finer;
+            const auto pass = passOf(index);
+            PlanStep step;
+            step.node = pass->steps.back().node;
+            step.stored = finer;
+            pass->steps.assign(1, step);
+            const auto before = passOf(finer);
+            if (before > pass)
+                std::rotate(pass, before, before + 1);
+        }
+    }
+
+    std::vector<PlanPass>::iterator passOf(int stored)
+    {
+        return std::find_if(m_plan.passes.begin(), m_plan.passes.end(),
+                            [&](const PlanPass& pass) { return pass.target == stored; });
     }
 
     // ---- Rule 4 ----
@@ -323,15 +383,15 @@ private:
             fitTiles(pass, target);
         if (!target || target->factor == 1)
             return;
-        // From here on in cells. A blur of cells reads many rows for each that it draws.
-        const bool blur = target->form == StoredPlan::Form::ReducedBlur;
-        pass.tileWidth = blur ? defaultTileWidth : std::max(1, pass.tileWidth / target->factor);
-        pass.tileHeight = std::max(blur ? coarseTileHeight : 1, pass.tileHeight / target->factor);
+        // From here on in cells: as many rows at a time as the full grid's tiles are high.
+        const bool fromCells = target->averages >= 0;
+        pass.tileWidth = fromCells ? defaultTileWidth : std::max(1, pass.tileWidth / target->factor);
+        pass.tileHeight = std::max(1, pass.tileHeight / target->factor);
     }
 
     void fitTiles(PlanPass& pass, const StoredPlan* target) const
     {
-        if (target && target->form == StoredPlan::Form::ReducedBlur)
+        if (target && target->averages >= 0)
             return;
         const PixelRect r = pixelsBehind(m_plan, pass, pass.region);
         for (;;) {
@@ -355,6 +415,7 @@ private:
     Plan m_plan;
     // Keyed by digest, so that equal recipes built twice are drawn once.
     std::unordered_map<Digest, int> m_storedIndex;
+    std::map<AveragesKey, int> m_averages;
     std::unordered_set<Digest> m_whole;
     std::unordered_map<Digest, bool> m_dependsOnSource;
 };

@@ -2,7 +2,6 @@
 
 #include "Node.h"
 #include "PixelRect.h"
-#include "ReducedBlur.h"
 
 #include <vector>
 
@@ -19,7 +18,9 @@ struct StoredPlan {
     const Node* node = nullptr;
     Form form = Form::Whole;
     int factor = 1; ///< of the grid: a power of two
-    int averages = -1; ///< of ReducedBlur: the stored image that it blurs
+    /// The averages that it is made of: those that a ReducedBlur blurs, or finer ones that coarser
+    /// ones are made from; -1: none.
+    int averages = -1;
     PixelRect region; ///< in the node's pixels, or in cells of the coarse grid
 };
 
@@ -45,15 +46,6 @@ struct Plan {
     std::vector<PlanPass> passes; ///< in the order to run them
     std::vector<StoredPlan> stored;
 };
-
-/// The factor by which a Gaussian of this sigma is computed at reduced size: 1, or the largest
-/// power of two up to sigma / 8.
-int blurReduction(float sigma);
-/// The sigma to use on the grid reduced by `factor`: the wanted variance less what averaging cells
-/// and bilinear enlargement add by themselves.
-double reducedSigma(float sigma, int factor);
-/// What lies around the averages of a reduced blur.
-CoarseEdges coarseEdges(const StoredPlan& blur);
 
 /// The rectangle that each step of a pass must draw so that the last one can draw `rect`, in
 /// pixels.

@@ -1,53 +1,27 @@
 #include "ReducedBlur.h"
 
-#include "PlaneConversion.h"
+#include "RowSums.h"
 
 #include <algorithm>
 
 namespace orvane {
 
-void averageCells(const TilePlanes& planes, const PixelRect& cells, int factor, StoredImage& coarse,
-                  TileArena& arena)
-{
-    const PixelRect full{cells.x0 * factor, cells.y0 * factor, cells.x1 * factor,
-                         cells.y1 * factor};
-    TilePlanes from = coveringPlanes(planes, full, arena);
-    if (!coarse.opaque())
-        addOpaqueAlpha(from, arena);
-    const float share = 1.0f / float(factor * factor);
-    float* sums = arena.floats(size_t(full.width()));
-    for (int c = 0; c < (coarse.opaque() ? 3 : 4); ++c) {
-        for (int j = cells.y0; j < cells.y1; ++j) {
-            std::fill_n(sums, full.width(), 0.0f);
-            for (int y = j * factor; y < (j + 1) * factor; ++y) {
-                const float* row = from.at(c, full.x0, y);
-                for (int i = 0; i < full.width(); ++i)
-                    sums[i] += row[i];
-            }
-            float* to = coarse.floatRow(c, j) + (cells.x0 - coarse.rect().x0);
-            for (int i = 0; i < cells.width(); ++i) {
-                float sum = 0;
-                for (int k = 0; k < factor; ++k)
-                    sum += sums[i * factor + k];
-                to[i] = sum * share;
-            }
-        }
-    }
-}
-
 namespace {
 
+/// Room past the end of a row for the vectors that read and write two at a time.
+constexpr int rowSlack = 4 * rowPadding;
+
 /// Cells [first, last) of a row, with what lies around the image.
-void copyCells(const StoredImage& coarse, int channel, int y, int first, int last,
-               CoarseEdges edges, float* to)
+void copyCells(const StoredImage& cells, int channel, int y, int first, int last, CoarseEdges edges,
+               float* to)
 {
-    const PixelRect& held = coarse.rect();
+    const PixelRect& held = cells.rect();
     const bool repeated = edges == CoarseEdges::Repeated;
     if (!repeated && (y < held.y0 || y >= held.y1)) {
         std::fill_n(to, last - first, 0.0f);
         return;
     }
-    const float* row = coarse.floatRow(channel, std::clamp(y, held.y0, held.y1 - 1)) - held.x0;
+    const float* row = cells.floatRow(channel, std::clamp(y, held.y0, held.y1 - 1)) - held.x0;
     const int inner = std::clamp(held.x0, first, last);
     const int outer = std::clamp(held.x1, inner, last);
     std::fill(to, to + (inner - first), repeated ? row[held.x0] : 0.0f);
@@ -56,7 +30,79 @@ void copyCells(const StoredImage& coarse, int channel, int y, int first, int las
     std::fill(to + (outer - first), to + (last - first), repeated ? row[held.x1 - 1] : 0.0f);
 }
 
+TilePlanes cellPlanes(const StoredImage& image, CoarseEdges edges, const PixelRect& rect,
+                      TileArena& arena)
+{
+    const TilePlanes planes = arena.planes(rect, image.opaque());
+    for (int c = 0; c < planes.channels(); ++c) {
+        for (int y = rect.y0; y < rect.y1; ++y)
+            copyCells(image, c, y, rect.x0, rect.x1, edges, planes.row(c, y));
+    }
+    return planes;
+}
+
+/// One level coarser; `from` covers all that the cells are made of.
+TilePlanes halvedPlanes(const TilePlanes& from, const PixelRect& cells, TileArena& arena)
+{
+    const TilePlanes out = arena.planes(cells, from.opaque());
+    const PixelRect behind = finerCells(cells, 1);
+    float* row = arena.floats(size_t(behind.width() + rowSlack));
+    for (int c = 0; c < out.channels(); ++c) {
+        for (int j = cells.y0; j < cells.y1; ++j) {
+            halveDown(from.at(c, behind.x0, 2 * j - 1), from.stride, row, behind.width());
+            halveAcross(row, out.row(c, j), cells.width());
+        }
+    }
+    return out;
+}
+
+/// One level finer; `from` covers all that the rectangle is interpolated from. The result covers
+/// the rectangle and up to a pixel more on each side.
+TilePlanes doubledPlanes(const TilePlanes& from, const PixelRect& rect, TileArena& arena)
+{
+    const PixelRect cells = coarserCells(rect, 1);
+    const int inner = cells.width() - 2;
+    // A row may be written past its end: the next one is written after it, the last has rowSlack.
+    TilePlanes out = arena.planes(
+        {2 * (cells.x0 + 1), rect.y0, 2 * (cells.x1 - 1) + rowSlack, rect.y1}, from.opaque());
+    out.rect.x1 -= rowSlack;
+    float* row = arena.floats(size_t(cells.width() + rowSlack));
+    for (int c = 0; c < out.channels(); ++c) {
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            const int near = floorDivided(y, 2);
+            const int far = y == 2 * near ? near - 1 : near + 1;
+            doubleDown(from.at(c, cells.x0, near), from.at(c, cells.x0, far), row, cells.width());
+            doubleAcross(row + 1, out.row(c, y), inner);
+        }
+    }
+    return out;
+}
+
+void storeAverages(TilePlanes planes, const PixelRect& cells, int levels, StoredImage& averages,
+                   TileArena& arena)
+{
+    for (; levels > 0; --levels)
+        planes = halvedPlanes(planes, finerCells(cells, levels - 1), arena);
+    averages.write(planes, cells);
+}
+
 } // namespace
+
+void averageCells(const TilePlanes& planes, const PixelRect& cells, int levels,
+                  StoredImage& averages, TileArena& arena)
+{
+    TilePlanes from = coveringPlanes(planes, finerCells(cells, levels), arena);
+    if (!averages.opaque())
+        addOpaqueAlpha(from, arena);
+    storeAverages(from, cells, levels, averages, arena);
+}
+
+void averageCells(const StoredImage& finer, CoarseEdges edges, const PixelRect& cells, int levels,
+                  StoredImage& averages, TileArena& arena)
+{
+    storeAverages(cellPlanes(finer, edges, finerCells(cells, levels), arena), cells, levels,
+                  averages, arena);
+}
 
 void blurCells(const StoredImage& averages, const std::vector<float>& weights,
                const PixelRect& cells, CoarseEdges edges, StoredImage& blurred, TileArena& arena)
@@ -65,8 +111,7 @@ void blurCells(const StoredImage& averages, const std::vector<float>& weights,
     const PixelRect tall{cells.x0, cells.y0 - reach, cells.x1, cells.y1 + reach};
     const TilePlanes across = arena.planes(tall, blurred.opaque());
     const TilePlanes out = arena.planes(cells, blurred.opaque());
-    // Whole vectors are read past the end of a row.
-    float* row = arena.floats(size_t(cells.width() + 2 * reach + 4 * rowPadding));
+    float* row = arena.floats(size_t(cells.width() + 2 * reach + rowSlack));
     for (int c = 0; c < out.channels(); ++c) {
         for (int y = tall.y0; y < tall.y1; ++y) {
             copyCells(averages, c, y, cells.x0 - reach, cells.x1 + reach, edges, row);
@@ -79,36 +124,18 @@ void blurCells(const StoredImage& averages, const std::vector<float>& weights,
     blurred.write(out, cells);
 }
 
-TilePlanes enlargedBlur(const StoredImage& coarse, int factor, const PixelRect& rect,
+TilePlanes enlargedBlur(const StoredImage& blurred, int factor, const PixelRect& rect,
                         TileArena& arena)
 {
-    TilePlanes out = arena.planes(rect, coarse.opaque());
-    const PixelRect& held = coarse.rect();
-    const int half = factor / 2;
-    const auto cellBelow = [&](int position) { return floorDivided(position - half, factor); };
-    const int firstCell = cellBelow(rect.x0);
-    const int lastCell = cellBelow(rect.x1 - 1) + 1;
-    float* blended = arena.floats(size_t(lastCell - firstCell + 1));
-    for (int y = rect.y0; y < rect.y1; ++y) {
-        const int j = cellBelow(y);
-        const float v = (float(y - half - j * factor) + 0.5f) / float(factor);
-        for (int c = 0; c < out.channels(); ++c) {
-            const float* low = coarse.floatRow(c, j) + (firstCell - held.x0);
-            const float* high = coarse.floatRow(c, j + 1) + (firstCell - held.x0);
-            for (int i = 0; i <= lastCell - firstCell; ++i)
-                blended[i] = low[i] + (high[i] - low[i]) * v;
-            float* to = out.row(c, y) - rect.x0;
-            for (int i = firstCell; i < lastCell; ++i) {
-                const int start = i * factor + half;
-                const float from = blended[i - firstCell];
-                const float slope = (blended[i - firstCell + 1] - from) / float(factor);
-                const int end = std::min(start + factor, rect.x1);
-                for (int x = std::max(start, rect.x0); x < end; ++x)
-                    to[x] = from + slope * (float(x - start) + 0.5f);
-            }
-        }
-    }
-    return out;
+    const int levels = levelsBetween(1, factor);
+    TilePlanes planes = blurred.read(coarserCells(rect, levels), arena);
+    for (int level = levels - 1; level >= 0; --level)
+        planes = doubledPlanes(planes, coarserCells(rect, level), arena);
+    // A view of what was asked for; its rows have room behind them.
+    for (int c = 0; c < planes.channels(); ++c)
+        planes.plane[c] = planes.at(c, rect.x0, rect.y0);
+    planes.rect = rect;
+    return planes;
 }
 
 } // namespace orvane

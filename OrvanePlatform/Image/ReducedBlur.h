@@ -1,26 +1,26 @@
 #pragma once
 
+#include "BlurGrid.h"
 #include "StoredImage.h"
 
 #include <vector>
 
 namespace orvane {
 
-/// Averages of factor x factor cells into a coarse image. `cells` of the grid, whose full-size
-/// pixels `planes` holds (zeros where it does not reach). Cell (i, j) covers [i f, (i+1) f) x [j f,
-/// (j+1) f).
-void averageCells(const TilePlanes& planes, const PixelRect& cells, int factor, StoredImage& coarse,
-                  TileArena& arena);
+/// `cells` of a grid `levels` halvings coarser than that of `planes`, into `averages`. Where the
+/// planes do not reach there are zeros.
+void averageCells(const TilePlanes& planes, const PixelRect& cells, int levels,
+                  StoredImage& averages, TileArena& arena);
+/// The same from finer averages.
+void averageCells(const StoredImage& finer, CoarseEdges edges, const PixelRect& cells, int levels,
+                  StoredImage& averages, TileArena& arena);
 
-/// What lies around the cells of a coarse image.
-enum class CoarseEdges { Transparent, Repeated };
-
-/// `cells` of the averages blurred, by weights as gaussianWeights makes them; into `blurred`.
+/// `cells` of the averages blurred, by weights as coarseWeights makes them; into `blurred`.
 void blurCells(const StoredImage& averages, const std::vector<float>& weights,
                const PixelRect& cells, CoarseEdges edges, StoredImage& blurred, TileArena& arena);
 
-/// Full-size pixels of a blur from its coarse image, bilinear between the cells' centres.
-TilePlanes enlargedBlur(const StoredImage& coarse, int factor, const PixelRect& rect,
+/// Full-size pixels of a blur from its cells.
+TilePlanes enlargedBlur(const StoredImage& blurred, int factor, const PixelRect& rect,
                         TileArena& arena);
 
 } // namespace orvane

@@ -46,6 +46,9 @@ private:
 
     int rowsAtOnce(const PlanPass& pass) const
     {
+        // Rows of cells are little work, and stand for many rows of pixels to be held.
+        if (pass.target >= 0 && m_plan.stored[size_t(pass.target)].factor > 1)
+            return pass.tileHeight;
         const int across = std::max(1, (pass.region.width() + pass.tileWidth - 1) / pass.tileWidth);
         return pass.tileHeight * std::max(1, (m_tilesAtOnce + across - 1) / across);
     }

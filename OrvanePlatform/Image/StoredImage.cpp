@@ -40,7 +40,8 @@ const float* StoredImage::floatRow(int channel, int y) const
 void StoredImage::write(const TilePlanes& planes, const PixelRect& rect)
 {
     const int width = rect.width();
-    std::vector<uint16_t> halves(m_format == StoredFormat::Half ? size_t(width) + rowPadding : 0);
+    const int whole = width / rowPadding * rowPadding;
+    uint16_t last[rowPadding];
     const std::vector<float> ones(!m_opaque && planes.opaque() ? size_t(width) + rowPadding : 0,
                                   1.0f);
     for (int c = 0; c < (m_opaque ? 3 : 4); ++c) {
@@ -51,9 +52,11 @@ void StoredImage::write(const TilePlanes& planes, const PixelRect& rect)
                 std::memcpy(to, from, size_t(width) * sizeof(float));
                 continue;
             }
-            // Through a row of our own: the neighbouring tile's pixels must not be touched.
-            halvesFromFloats(from, halves.data(), width);
-            std::memcpy(to, halves.data(), size_t(width) * sizeof(uint16_t));
+            auto* halves = static_cast<uint16_t*>(static_cast<void*>(to));
+            halvesFromFloats(from, halves, whole);
+            // The neighbouring tile's pixels must not be touched.
+            halvesFromFloats(from + whole, last, width - whole);
+            std::copy_n(last, width - whole, halves + whole);
         }
     }
 }

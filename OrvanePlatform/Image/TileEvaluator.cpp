@@ -48,7 +48,7 @@ PassTables makePassTables(const Plan& plan, const PlanPass& pass)
         const StoredPlan& target = plan.stored[size_t(pass.target)];
         if (target.form == StoredPlan::Form::ReducedBlur) {
             const float sigma = target.node->as<GaussianNode>()->sigma;
-            const auto weights = gaussianWeights(reducedSigma(sigma, target.factor));
+            const std::vector<double> weights = coarseWeights(double(sigma), target.factor);
             tables.steps.back().blur.assign(weights.begin(), weights.end());
             return tables;
         }
@@ -77,17 +77,31 @@ TileEvaluator::TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>
     , m_storedPlans(storedPlans)
     , m_stored(stored)
     , m_tables(tables)
+    , m_lastRead(pass.steps.size())
     , m_drawn(pass.steps.size())
     , m_arena(arena)
 {
+    std::vector<bool> readLater(pass.steps.size(), false);
+    for (size_t i = pass.steps.size(); i-- > 0;) {
+        for (const int input : pass.steps[i].inputs) {
+            if (!readLater[size_t(input)])
+                m_lastRead[i].push_back(size_t(input));
+            readLater[size_t(input)] = true;
+        }
+    }
 }
 
 TilePlanes TileEvaluator::draw(const PixelRect& rect)
 {
     m_arena.reset();
     requestedRects(m_pass, rect, m_requests);
-    for (size_t i = 0; i < m_pass.steps.size(); ++i)
+    for (size_t i = 0; i < m_pass.steps.size(); ++i) {
         drawStep(i);
+        m_arena.hold(m_drawn[i].planes);
+        for (const size_t input : m_lastRead[i])
+            m_arena.letGo(m_drawn[input].planes);
+        m_arena.sweep();
+    }
     const Drawn& result = m_drawn.back();
     return coveringPlanes(result.empty ? TilePlanes{} : result.planes, rect, m_arena);
 }
@@ -98,7 +112,10 @@ void TileEvaluator::drawStep(size_t index)
     const PixelRect& rect = m_requests[index];
     Drawn& drawn = m_drawn[index];
     drawn = {};
-    drawn.empty = rect.isEmpty();
+    // Whatever is not pointwise makes nothing of nothing.
+    drawn.empty = rect.isEmpty()
+        || (!step.inputs.empty() && !step.node->as<PointwiseNode>()
+            && m_drawn[size_t(step.inputs.front())].empty);
     if (drawn.empty)
         return;
     drawn.reusable = true;
@@ -106,6 +123,8 @@ void TileEvaluator::drawStep(size_t index)
         ? drawStored(step, rect)
         : std::visit([&](const auto& node) { return drawNode(index, step, node, rect); },
                      step.node->data);
+    if (drawn.empty)
+        return;
     // Arithmetic on alpha may leave it a rounding away from the 1 that the recipe promises.
     if (step.node->opaque && step.node->extent.contains(rect))
         drawn.planes.plane[3] = nullptr;
@@ -132,10 +151,22 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep&, const SourceNode& no
     return readSource(*node.bitmap, rect, m_arena);
 }
 
-/// The one input whose pixels are the result over the whole tile, or -1.
+/// The one input whose pixels are the result over the whole tile, or -1. Without any pixels, every
+/// input is.
 int TileEvaluator::decidingInput(const PlanStep& step, Cover cover) const
 {
     const auto empty = [&](size_t n) { return m_drawn[size_t(step.inputs[n])].empty; };
+    if (cover == Cover::Sum) {
+        int only = 0;
+        int full = 0;
+        for (size_t n = 0; n < step.inputs.size(); ++n) {
+            if (empty(n))
+                continue;
+            only = int(n);
+            ++full;
+        }
+        return full > 1 ? -1 : only;
+    }
     if (cover == Cover::FirstOverSecond)
         return empty(1) ? 0 : (empty(0) ? 1 : -1);
     if (cover == Cover::FirstWithinMask)
@@ -147,7 +178,11 @@ int TileEvaluator::decidingInput(const PlanStep& step, Cover cover) const
 TilePlanes TileEvaluator::passedOn(size_t index, size_t from, const PixelRect& rect)
 {
     const Drawn& drawn = m_drawn[from];
-    TilePlanes planes = coveringPlanes(drawn.empty ? TilePlanes{} : drawn.planes, rect, m_arena);
+    if (drawn.empty) {
+        m_drawn[index].empty = true;
+        return {};
+    }
+    TilePlanes planes = coveringPlanes(drawn.planes, rect, m_arena);
     m_drawn[index].reusable = planes.plane[0] != drawn.planes.plane[0]
         || (drawn.reusable && m_pass.steps[from].readers == 1);
     return planes;

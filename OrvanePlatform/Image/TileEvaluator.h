@@ -87,6 +87,7 @@ private:
     const std::vector<StoredPlan>& m_storedPlans;
     const std::vector<std::shared_ptr<StoredImage>>& m_stored;
     const PassTables& m_tables;
+    std::vector<std::vector<size_t>> m_lastRead; ///< by step: the inputs that no later step reads
     std::vector<PixelRect> m_requests;
     std::vector<Drawn> m_drawn;
     TileArena& m_arena;

@@ -8,34 +8,67 @@ float* TileArena::floats(size_t count)
 {
     // Whole cache lines, and room for a kernel's last vector to write past the end.
     const size_t size = (count + rowPadding + 15) / 16 * 16;
-    for (Block& block : m_blocks) {
-        if (block.size - block.used >= size) {
-            float* start = block.memory.get() + block.used;
-            block.used += size;
-            return start;
-        }
+    Piece* best = nullptr;
+    for (Piece& piece : m_pieces) {
+        // A piece far too large is left for those who need it.
+        if (!piece.used && piece.size >= size && piece.size <= 2 * size + 4096
+            && (!best || piece.takenBack > best->takenBack))
+            best = &piece;
     }
-    const size_t blockSize = std::max(size + 16, size_t(1) << 18);
-    Block block{std::unique_ptr<float[]>(new float[blockSize]), blockSize, 0};
-    const size_t misaligned = reinterpret_cast<uintptr_t>(block.memory.get()) / sizeof(float) % 16;
-    const size_t skipped = misaligned == 0 ? 0 : 16 - misaligned;
-    block.used = skipped + size;
-    m_blocks.push_back(std::move(block));
-    return m_blocks.back().memory.get() + skipped;
+    if (!best) {
+        Piece piece;
+        piece.memory.reset(new float[size + 16]);
+        const size_t past = reinterpret_cast<uintptr_t>(piece.memory.get()) / sizeof(float) % 16;
+        piece.start = piece.memory.get() + (past == 0 ? 0 : 16 - past);
+        piece.size = size;
+        m_pieces.push_back(std::move(piece));
+        best = &m_pieces.back();
+    }
+    best->used = true;
+    best->holders = 0;
+    return best->start;
 }
 
-double* TileArena::doubles(size_t count)
+TileArena::Piece* TileArena::pieceOf(const float* address)
 {
-    return reinterpret_cast<double*>(static_cast<void*>(floats(count * 2)));
+    const auto piece = std::find_if(m_pieces.begin(), m_pieces.end(), [&](const Piece& p) {
+        return address >= p.start && address < p.start + p.size;
+    });
+    return piece == m_pieces.end() ? nullptr : &*piece;
+}
+
+void TileArena::hold(const TilePlanes& planes)
+{
+    for (const float* plane : planes.plane) {
+        if (Piece* piece = plane ? pieceOf(plane) : nullptr)
+            ++piece->holders;
+    }
+}
+
+void TileArena::letGo(const TilePlanes& planes)
+{
+    for (const float* plane : planes.plane) {
+        if (Piece* piece = plane ? pieceOf(plane) : nullptr)
+            --piece->holders;
+    }
+}
+
+void TileArena::sweep()
+{
+    ++m_sweeps;
+    for (Piece& piece : m_pieces) {
+        if (piece.used && piece.holders <= 0) {
+            piece.used = false;
+            piece.takenBack = m_sweeps;
+        }
+    }
 }
 
 void TileArena::reset()
 {
-    for (Block& block : m_blocks) {
-        const size_t misaligned =
-            reinterpret_cast<uintptr_t>(block.memory.get()) / sizeof(float) % 16;
-        block.used = misaligned == 0 ? 0 : 16 - misaligned;
-    }
+    for (Piece& piece : m_pieces)
+        piece.holders = 0;
+    sweep();
 }
 
 TilePlanes TileArena::planes(const PixelRect& rect, bool opaque)

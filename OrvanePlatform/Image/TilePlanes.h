@@ -22,22 +22,36 @@ struct TilePlanes {
     float* at(int channel, int x, int y) const { return row(channel, y) + (x - rect.x0); }
 };
 
-/// Scratch memory of one worker, handed out front to back and taken back all at once. Blocks are
-/// kept from tile to tile, so drawing allocates nothing once the first tiles are through.
+/// Scratch memory of one worker. Pieces are kept from tile to tile, so drawing allocates nothing
+/// once the first tiles are through; and a piece that nobody holds any more is the first to be
+/// handed out again, so a long chain of steps stays within a few pieces, in the second-level cache.
 class TileArena {
 public:
     TilePlanes planes(const PixelRect& rect, bool opaque);
     float* floats(size_t count);
-    double* doubles(size_t count);
+
+    /// The memory of the planes outlives `sweep` until it has been let go as often as held.
+    void hold(const TilePlanes& planes);
+    void letGo(const TilePlanes& planes);
+    /// Takes back what nobody holds.
+    void sweep();
+    /// Takes back everything.
     void reset();
 
 private:
-    struct Block {
+    struct Piece {
         std::unique_ptr<float[]> memory;
+        float* start = nullptr; ///< on a cache line
         size_t size = 0;
-        size_t used = 0;
+        int holders = 0;
+        bool used = false;
+        uint64_t takenBack = 0; ///< when, in sweeps
     };
-    std::vector<Block> m_blocks;
+
+    Piece* pieceOf(const float* address);
+
+    std::vector<Piece> m_pieces;
+    uint64_t m_sweeps = 0;
 };
 
 /// An alpha plane of ones for planes that have none.

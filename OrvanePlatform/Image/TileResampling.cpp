@@ -2,6 +2,7 @@
 
 #include "BilinearWindow.h"
 #include "PlaneConversion.h"
+#include "RowSums.h"
 #include "TileEvaluator.h"
 
 #include <algorithm>
@@ -109,7 +110,13 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Gau
 {
     const int reach = gaussianBorder(node.sigma);
     const PixelRect window = rect.grown(reach);
-    const TilePlanes from = withRecipesAlpha(step, input(step, 0, window));
+    // Where nothing but opaque pixels are summed alpha is 1, exactly: it need not be summed.
+    const Node& blurred = *step.node->inputs.front();
+    const PixelRect solid = blurred.opaque && !blurred.extent.infinite
+        ? blurred.extent.rect.grown(-reach)
+        : PixelRect{};
+    const TilePlanes from = solid.contains(rect) ? input(step, 0, window)
+                                                 : withRecipesAlpha(step, input(step, 0, window));
     const std::vector<float>& weights = m_tables.steps[index].blur;
     const PixelRect tall{rect.x0, window.y0, rect.x1, window.y1};
     TilePlanes across = m_arena.planes(tall, from.opaque());
@@ -122,6 +129,9 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Gau
             convolveDown(across.row(c, y), across.stride, out.row(c, y), rect.width(),
                          weights.data(), reach);
     }
+    const PixelRect inner = out.opaque() ? PixelRect{} : solid.intersection(rect);
+    for (int y = inner.y0; y < inner.y1; ++y)
+        std::fill_n(out.at(3, inner.x0, y), inner.width(), 1.0f);
     return out;
 }
 

@@ -1,0 +1,182 @@
+#include "RowSums.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "RowSums.cpp"
+#include <hwy/foreach_target.h>
+
+#include "Lanes-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace orvane::HWY_NAMESPACE {
+namespace {
+
+/// `Blocks` vectors at a time share each weight's load; their sums do not wait for each other.
+template <int Blocks>
+HWY_INLINE void convolveBlocks(const float* in, std::ptrdiff_t step, float* out,
+                               const float* weights, int reach)
+{
+    const std::ptrdiff_t n = std::ptrdiff_t(Lanes::count());
+    Lanes a(0.0f);
+    Lanes b(0.0f);
+    Lanes c(0.0f);
+    Lanes d(0.0f);
+    const float* low = in - reach * step;
+    const float* high = in + reach * step;
+    for (int k = reach; k > 0; --k, low += step, high -= step) {
+        const Lanes weight(weights[k]);
+        a = mulAdd(Lanes::load(low) + Lanes::load(high), weight, a);
+        if constexpr (Blocks > 1)
+            b = mulAdd(Lanes::load(low + n) + Lanes::load(high + n), weight, b);
+        if constexpr (Blocks > 2)
+            c = mulAdd(Lanes::load(low + 2 * n) + Lanes::load(high + 2 * n), weight, c);
+        if constexpr (Blocks > 3)
+            d = mulAdd(Lanes::load(low + 3 * n) + Lanes::load(high + 3 * n), weight, d);
+    }
+    const Lanes middle(weights[0]);
+    mulAdd(Lanes::load(in), middle, a).store(out);
+    if constexpr (Blocks > 1)
+        mulAdd(Lanes::load(in + n), middle, b).store(out + n);
+    if constexpr (Blocks > 2)
+        mulAdd(Lanes::load(in + 2 * n), middle, c).store(out + 2 * n);
+    if constexpr (Blocks > 3)
+        mulAdd(Lanes::load(in + 3 * n), middle, d).store(out + 3 * n);
+}
+
+void convolveRun(const float* in, std::ptrdiff_t step, float* out, int count, const float* weights,
+                 int reach)
+{
+    const int n = int(Lanes::count());
+    int i = 0;
+    for (; i + 3 * n < count; i += 4 * n)
+        convolveBlocks<4>(in + i, step, out + i, weights, reach);
+    for (; i + n < count; i += 2 * n)
+        convolveBlocks<2>(in + i, step, out + i, weights, reach);
+    if (i < count)
+        convolveBlocks<1>(in + i, step, out + i, weights, reach);
+}
+
+void sumRowsRun(const float* first, std::ptrdiff_t stride, const float* weights, int rows,
+                float* out, int count)
+{
+    const int n = int(Lanes::count());
+    for (int i = 0; i < count; i += 2 * n) {
+        // The second vector may lie past the row's padding; then it is the first once more.
+        const int second = i + n < count ? n : 0;
+        Lanes a(0.0f);
+        Lanes b(0.0f);
+        for (int k = 0; k < rows; ++k) {
+            const float* p = first + k * stride + i;
+            const Lanes weight(weights[k]);
+            a = mulAdd(Lanes::load(p), weight, a);
+            b = mulAdd(Lanes::load(p + second), weight, b);
+        }
+        b.store(out + i + second);
+        a.store(out + i);
+    }
+}
+
+HWY_INLINE Lanes halved(Lanes a, Lanes b, Lanes c, Lanes d)
+{
+    return mulAdd(b + c, Lanes(0.375f), (a + d) * Lanes(0.125f));
+}
+
+void halveDownRun(const float* first, std::ptrdiff_t stride, float* out, int count)
+{
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const float* p = first + i;
+        halved(Lanes::load(p), Lanes::load(p + stride), Lanes::load(p + 2 * stride),
+               Lanes::load(p + 3 * stride))
+            .store(out + i);
+    }
+}
+
+void halveAcrossRun(const float* in, float* out, int count)
+{
+    const FloatTag tag;
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        FloatVector a;
+        FloatVector b;
+        FloatVector c;
+        FloatVector d;
+        hn::LoadInterleaved2(tag, in + 2 * i, a, b);
+        hn::LoadInterleaved2(tag, in + 2 * i + 2, c, d);
+        halved(a, b, c, d).store(out + i);
+    }
+}
+
+HWY_INLINE Lanes doubled(Lanes near, Lanes far)
+{
+    return mulAdd(near, Lanes(0.75f), far * Lanes(0.25f));
+}
+
+void doubleDownRun(const float* near, const float* far, float* out, int count)
+{
+    for (int i = 0; i < count; i += int(Lanes::count()))
+        doubled(Lanes::load(near + i), Lanes::load(far + i)).store(out + i);
+}
+
+void doubleAcrossRun(const float* in, float* out, int count)
+{
+    const FloatTag tag;
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Lanes cell = Lanes::load(in + i);
+        hn::StoreInterleaved2(doubled(cell, Lanes::load(in + i - 1)).v,
+                              doubled(cell, Lanes::load(in + i + 1)).v, tag, out + 2 * i);
+    }
+}
+
+} // namespace
+} // namespace orvane::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace orvane {
+
+HWY_EXPORT(convolveRun);
+HWY_EXPORT(sumRowsRun);
+HWY_EXPORT(halveDownRun);
+HWY_EXPORT(halveAcrossRun);
+HWY_EXPORT(doubleDownRun);
+HWY_EXPORT(doubleAcrossRun);
+
+void convolveAcross(const float* in, float* out, int count, const float* weights, int reach)
+{
+    HWY_DYNAMIC_DISPATCH(convolveRun)(in, 1, out, count, weights, reach);
+}
+
+void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
+                  const float* weights, int reach)
+{
+    HWY_DYNAMIC_DISPATCH(convolveRun)(in, stride, out, count, weights, reach);
+}
+
+void sumRows(const float* first, std::ptrdiff_t stride, const float* weights, int rows, float* out,
+             int count)
+{
+    HWY_DYNAMIC_DISPATCH(sumRowsRun)(first, stride, weights, rows, out, count);
+}
+
+void halveDown(const float* first, std::ptrdiff_t stride, float* out, int count)
+{
+    HWY_DYNAMIC_DISPATCH(halveDownRun)(first, stride, out, count);
+}
+
+void halveAcross(const float* in, float* out, int count)
+{
+    HWY_DYNAMIC_DISPATCH(halveAcrossRun)(in, out, count);
+}
+
+void doubleDown(const float* near, const float* far, float* out, int count)
+{
+    HWY_DYNAMIC_DISPATCH(doubleDownRun)(near, far, out, count);
+}
+
+void doubleAcross(const float* in, float* out, int count)
+{
+    HWY_DYNAMIC_DISPATCH(doubleAcrossRun)(in, out, count);
+}
+
+} // namespace orvane
+
+#endif

@@ -3,17 +3,23 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <string>
 
 namespace orvane {
 
 namespace {
 
+bool isLineBreak(char c)
+{
+    return c >= '\n' && c <= '\r';
+}
+
 /// Bytes of the line break at the start of the text, 0 when there is none: U+000A to U+000D,
 /// U+0085, U+2028 and U+2029 in UTF-8.
 size_t lineBreakLength(std::string_view text)
 {
-    if (text[0] >= '\n' && text[0] <= '\r')
+    if (isLineBreak(text[0]))
         return 1;
     if (text.starts_with("\xc2\x85"))
         return 2;
@@ -87,9 +93,9 @@ int parsedSize(std::string_view line)
 
 /// Appends the line's numbers if it holds exactly three. Words between them are passed over; "inf"
 /// and "nan" are words, because nothing after the table could make such a colour finite again.
-void readEntry(std::string_view line, std::vector<float>& rgb)
+void readEntry(std::string_view line, std::vector<float>& rgba)
 {
-    float entry[3];
+    float entry[4] = {0, 0, 0, 1};
     size_t count = 0;
     while (!line.empty()) {
         // Through a double, so that tiny values become 0 and not an error.
@@ -101,7 +107,67 @@ void readEntry(std::string_view line, std::vector<float>& rgb)
         entry[count++] = float(*number);
     }
     if (count == 3)
-        rgb.insert(rgb.end(), entry, entry + 3);
+        rgba.insert(rgba.end(), entry, entry + 4);
+}
+
+void skipSpaces(const char*& at, const char* end)
+{
+    while (at < end && *at == ' ')
+        ++at;
+}
+
+/// Digits read onto `number`; how many.
+int takeDigits(const char*& at, const char* end, uint64_t& number)
+{
+    const char* const first = at;
+    for (; at < end && *at >= '0' && *at <= '9'; ++at)
+        number = number * 10 + uint64_t(*at - '0');
+    return int(at - first);
+}
+
+/// A decimal without an exponent, of at most 15 digits. Such a number and its power of ten are
+/// exact as doubles, so their quotient is the double nearest to the text, as std::from_chars gives.
+bool takeDecimal(const char*& at, const char* end, float& value)
+{
+    constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const bool negative = at < end && *at == '-';
+    if (negative)
+        ++at;
+    uint64_t number = 0;
+    const int whole = takeDigits(at, end, number);
+    if (whole == 0 || whole > 15)
+        return false;
+    int places = 0;
+    if (at < end && *at == '.') {
+        ++at;
+        places = takeDigits(at, end, number);
+    }
+    if (places > 15 - whole)
+        return false;
+    const double magnitude = double(number) / powers[places];
+    value = float(negative ? -magnitude : magnitude);
+    return true;
+}
+
+/// Takes a line of three plain decimals off the text, as nearly every line of a table is: a table
+/// of 64 a side has 262144. False, with the text as it was, for any other line.
+bool takePlainEntry(std::string_view& text, std::vector<float>& rgba)
+{
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    float entry[4] = {0, 0, 0, 1};
+    skipSpaces(at, end);
+    for (int i = 0; i < 3; ++i) {
+        if (!takeDecimal(at, end, entry[i]) || (at < end && *at != ' ' && !isLineBreak(*at)))
+            return false;
+        skipSpaces(at, end);
+    }
+    if (at < end && !isLineBreak(*at))
+        return false;
+    rgba.insert(rgba.end(), entry, entry + 4);
+    text.remove_prefix(size_t(at - text.data()) + (at < end ? 1 : 0));
+    return true;
 }
 
 size_t entryCount(int dimension)
@@ -111,29 +177,34 @@ size_t entryCount(int dimension)
 
 } // namespace
 
-LUT::LUT(int dimension, std::vector<float> rgba)
-    : m_dimension(dimension)
-    , m_rgba(std::make_shared<const std::vector<float>>(std::move(rgba)))
+std::optional<LUT> LUT::fromRGBA(int dimension, std::vector<float> rgba)
 {
+    auto table = ColorTable::make(dimension, std::move(rgba));
+    return table ? std::optional(LUT(std::move(*table))) : std::nullopt;
 }
 
 std::optional<LUT> LUT::fromCube(std::string_view text)
 {
     int size = 0;
-    std::vector<float> rgb;
+    std::vector<float> rgba;
     while (!text.empty()) {
+        if (takePlainEntry(text, rgba))
+            continue;
         const std::string_view line = trimmed(takeLine(text));
         if (line.empty() || line.starts_with('#') || startsWithKeyword(line, "TITLE")
             || startsWithKeyword(line, "DOMAIN"))
             continue;
         if (startsWithKeyword(line, "LUT_1D_SIZE"))
             return {};
-        if (startsWithKeyword(line, "LUT_3D_SIZE"))
+        if (startsWithKeyword(line, "LUT_3D_SIZE")) {
             size = parsedSize(line);
-        else
-            readEntry(line, rgb);
+            if (size >= smallestDimension && size <= largestDimension)
+                rgba.reserve(entryCount(size) * 4);
+        } else {
+            readEntry(line, rgba);
+        }
     }
-    return fromRGB(size, rgb);
+    return fromRGBA(size, std::move(rgba));
 }
 
 std::optional<LUT> LUT::fromRGB(int dimension, std::span<const float> rgb)
@@ -146,12 +217,13 @@ std::optional<LUT> LUT::fromRGB(int dimension, std::span<const float> rgb)
         for (size_t channel = 0; channel < 3; ++channel)
             rgba[i * 4 + channel] = rgb[i * 3 + channel];
     }
-    return LUT(dimension, std::move(rgba));
+    return fromRGBA(dimension, std::move(rgba));
 }
 
 bool LUT::operator==(const LUT& other) const
 {
-    return m_dimension == other.m_dimension && (m_rgba == other.m_rgba || *m_rgba == *other.m_rgba);
+    return dimension() == other.dimension()
+        && (m_table.rgba() == other.m_table.rgba() || rgba() == other.rgba());
 }
 
 } // namespace orvane

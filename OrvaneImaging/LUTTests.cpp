@@ -40,6 +40,14 @@ TEST(LUT, ReadsOrRefusesCubeFiles)
         {"tabs between numbers", size2 + seven + "1\t1\t1\n", false},
         {"tabs around", size2 + seven + "\t1 1 1\t\n", true},
         {"signs, exponents, tiny numbers", size2 + seven + "+1 -1e-2 1e-60\n", true},
+        {"point at either end", size2 + seven + ".5 1. -0.\n", true},
+        {"spaces around", size2 + seven + "  1   1 1  \n", true},
+        {"no line break at the end", size2 + seven + "1 1 1", true},
+        {"cut off", size2 + seven + "1 1 1.0 -", true},
+        {"two and an end", size2 + seven + "1 1 ", false},
+        {"a sign alone", size2 + seven + "1 - 1\n", false},
+        {"number next to a word", size2 + seven + "1 1 1.5x\n", false},
+        {"points", size2 + seven + "1 1 1.5.5\n", false},
         {"decimal comma", size2 + seven + "0,5 1 1\n", false},
         {"not finite", size2 + seven + "1 nan inf\n", false},
         {"too large for a float", size2 + seven + "1 1 1e39\n", false},
@@ -60,6 +68,19 @@ TEST(LUT, KeepsTheOrderAndTheValuesOfTheFile)
     const std::vector<float> start(lut->rgba().begin(), lut->rgba().begin() + 12);
     EXPECT_EQ(start, (std::vector<float>{-0.5f, 0.25f, 1.5f, 1, 0, 0, 0, 1, 1, 0, 0, 1}));
     EXPECT_EQ(lut->cubeData().size(), 128u);
+}
+
+TEST(LUT, RoundsPlainDecimalsAsOthers)
+{
+    // The same number in the plain form and with an exponent, which is read another way.
+    for (const std::string number : {"0.1", "0.333333", "-0.7071068", "0.000001", "123456789012345",
+                                     "0.99999999999999", "16777217", "0.12345678901234567890"}) {
+        const auto plain = LUT::fromCube(size2 + number + " 0 0\n" + seven);
+        const auto other = LUT::fromCube(size2 + number + "e0 0 0\n" + seven);
+        ASSERT_TRUE(plain && other) << number;
+        EXPECT_EQ(plain->rgba()[0], other->rgba()[0]) << number;
+        EXPECT_NE(plain->rgba()[0], 0) << number;
+    }
 }
 
 TEST(LUT, IsEqualByContent)

@@ -73,10 +73,10 @@ CIImage vibrance(const CIImage& image, const Adjustments& a)
 
 CIImage colourTable(const CIImage& image, const Adjustments& a)
 {
-    const auto looked = CIFilter::colorCubeWithColorSpace(image, a.lut->dimension(), a.lut->rgba());
-    if (!looked || a.lutAmount >= 100)
-        return looked.value_or(image);
-    return CIFilter::dissolveTransition(image, *looked, a.lutAmount / 100).cropped(image.extent());
+    const CIImage looked = CIFilter::colorCubeWithColorSpace(image, a.lut->table());
+    if (a.lutAmount >= 100)
+        return looked;
+    return CIFilter::dissolveTransition(image, looked, a.lutAmount / 100).cropped(image.extent());
 }
 
 /// In linear light, unlike curves; the one place that cuts the picture to 0..1.

@@ -51,7 +51,9 @@ void addParameters(DigestBuilder& digest, const void* kernel, const Parameters& 
 {
     digest.add(uint64_t(reinterpret_cast<uintptr_t>(kernel)));
     digest.add(parameters.record.data(), parameters.record.size());
-    if (parameters.table)
+    if (parameters.tableDigest)
+        digest.add(*parameters.tableDigest);
+    else if (parameters.table)
         digest.add(parameters.table->data(), parameters.table->size() * sizeof(float));
 }
 

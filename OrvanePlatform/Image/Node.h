@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -23,6 +24,8 @@ struct WindowKernel;
 struct Parameters {
     std::vector<std::byte> record;
     std::shared_ptr<const std::vector<float>> table;
+    /// The table's digest where its owner keeps it: 4 MB take 5 ms to digest.
+    std::optional<Digest> tableDigest;
 
     template <class Record>
     static Parameters of(const Record& value, std::shared_ptr<const std::vector<float>> table = {})

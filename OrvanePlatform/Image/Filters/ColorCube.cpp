@@ -118,22 +118,42 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 
 #include "Filters/CIFilter.h"
+#include "Filters/ColorTable.h"
 
 namespace orvane {
 
 ORVANE_KERNEL(cubeKernel, Cube, "colorCubeWithColorSpace");
 
-std::optional<CIImage> CIFilter::colorCubeWithColorSpace(const CIImage& input, int dimension,
-                                                         std::span<const float> rgba)
+ColorTable::ColorTable(int dimension, std::vector<float> rgba)
+    : m_dimension(dimension)
+    , m_digest(DigestBuilder().add(rgba.data(), rgba.size() * sizeof(float)).digest())
+    , m_rgba(std::make_shared<const std::vector<float>>(std::move(rgba)))
 {
-    if (dimension < 2 || dimension > 64)
+}
+
+std::optional<ColorTable> ColorTable::make(int dimension, std::vector<float> rgba)
+{
+    if (dimension < smallestDimension || dimension > largestDimension)
         return {};
     const auto side = size_t(dimension);
     if (rgba.size() != side * side * side * 4)
         return {};
-    auto table = std::make_shared<const std::vector<float>>(rgba.begin(), rgba.end());
-    const HWY_NAMESPACE::Cube::Record record{float(dimension - 1)};
-    return applyKernel(cubeKernel, Parameters::of(record, std::move(table)), {{input}});
+    return ColorTable(dimension, std::move(rgba));
+}
+
+CIImage CIFilter::colorCubeWithColorSpace(const CIImage& input, const ColorTable& table)
+{
+    const HWY_NAMESPACE::Cube::Record record{float(table.dimension() - 1)};
+    Parameters parameters = Parameters::of(record, table.rgba());
+    parameters.tableDigest = table.digest();
+    return applyKernel(cubeKernel, std::move(parameters), {{input}});
+}
+
+std::optional<CIImage> CIFilter::colorCubeWithColorSpace(const CIImage& input, int dimension,
+                                                         std::span<const float> rgba)
+{
+    const auto table = ColorTable::make(dimension, {rgba.begin(), rgba.end()});
+    return table ? std::optional(colorCubeWithColorSpace(input, *table)) : std::nullopt;
 }
 
 } // namespace orvane

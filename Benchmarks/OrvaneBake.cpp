@@ -154,8 +154,8 @@ Result<void> bake(const Arguments& arguments)
     }
     for (const PassStatistics& pass : statistics.passTimes) {
         if (arguments.passes)
-            std::printf("%8.1f ms %7.2f MP  %s\n", pass.milliseconds, pass.megapixels,
-                        pass.operations.c_str());
+            std::printf("%8.1f ms %7.2f MP %5.0f MB  %s\n", pass.milliseconds, pass.megapixels,
+                        pass.storedMegabytes, pass.operations.c_str());
     }
     return {};
 }

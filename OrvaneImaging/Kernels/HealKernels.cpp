@@ -35,6 +35,7 @@ ORVANE_KERNEL_RUNS(HealChange)
 
 struct SumOfFour : PremultipliedKernel<4> {
     static constexpr OpaqueRule rule = OpaqueRule::ChangesAlpha;
+    static constexpr Cover cover = Cover::Sum;
     struct Record {
         float unused;
     };

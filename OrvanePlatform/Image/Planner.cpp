@@ -8,10 +8,13 @@
 //      the same picture share, and its reduced result are stored;
 //   3. a histogram counts: its counts are stored;
 //   4. a result is read by more than one pass;
-//   5. intermediates are kept for later draws and a scaling reduces its input: a preview's small
+//   5. a patch of a picture reads the same picture somewhere else (a healed spot): a tile there
+//   would
+//      draw all that lies between the two;
+//   6. intermediates are kept for later draws and a scaling reduces its input: a preview's small
 //   copy
 //      of a large picture is drawn once, not with every change of a slider.
-// Rules 1 and 4 never store what is read straight from a source (through moves, flips, crops and
+// Rules 1, 4 and 5 never store what is read straight from a source (through moves, flips, crops and
 // clamps) or made of no source at all: reading it again is cheaper. Whole-pixel moves, flips,
 // crops, clamps, generators and every pointwise operation never end a pass. Within a pass each step
 // is drawn once a tile, over the union of what its readers ask for.
@@ -33,6 +36,11 @@ namespace orvane {
 namespace {
 
 constexpr double windowLimit = 1.35;
+/// Of rule 5: what counts as a patch, a part of the picture; how many are tried in a pass; and how
+/// many times the pixels that are read there may be drawn.
+constexpr double patchLimit = 0.25;
+constexpr int patchesTried = 16;
+constexpr double farLimit = 1.5;
 constexpr int defaultTileWidth = 512;
 constexpr int defaultTileHeight = 64;
 constexpr int coarsestFromPixels = 8;
@@ -98,7 +106,7 @@ public:
     {
         do
             collectPasses();
-        while (storeShared() || storeWideWindows());
+        while (storeShared() || storeWideWindows() || storeFarReads());
         settleRegions();
         for (PlanPass& pass : m_plan.passes)
             chooseTiles(pass, tileWidth, tileHeight);
@@ -161,7 +169,7 @@ private:
         return {};
     }
 
-    // ---- Rule 5 ----
+    // ---- Rule 6 ----
 
     bool isKeptReduction(const Node& node) const
     {
@@ -343,6 +351,51 @@ private:
         return m_whole.insert(input->node->digest).second;
     }
 
+    // ---- Rule 5 ----
+
+    bool storeFarReads()
+    {
+        for (const PlanPass& pass : m_plan.passes) {
+            int tried = 0;
+            for (const PlanStep& step : pass.steps) {
+                const Extent& extent = step.node->extent;
+                const bool moved = step.node->as<WarpNode>() || step.node->as<OrthogonalNode>();
+                if (!moved || step.stored >= 0 || extent.infinite
+                    || extent.rect.area() > patchLimit * extentOrRect(pass).area())
+                    continue;
+                // Patches of one picture lead to the same answer.
+                if (storeIfFar(pass, extent.rect))
+                    return true;
+                if (++tried == patchesTried)
+                    break;
+            }
+        }
+        return false;
+    }
+
+    bool storeIfFar(const PlanPass& pass, const PixelRect& patch)
+    {
+        const int x = (patch.x0 + patch.x1) / 2;
+        const int y = (patch.y0 + patch.y1) / 2;
+        const PixelRect tile{x - defaultTileWidth / 2, y - defaultTileHeight / 2,
+                             x + defaultTileWidth / 2, y + defaultTileHeight / 2};
+        std::vector<PixelRect> requests;
+        requestedRects(pass, tile.intersection(extentOrRect(pass)), requests);
+        std::vector<double> wanted(pass.steps.size(), 0);
+        for (size_t i = 0; i < pass.steps.size(); ++i) {
+            const PlanStep& step = pass.steps[i];
+            for (size_t n = 0; n < step.inputs.size(); ++n)
+                wanted[size_t(step.inputs[n])] += neededInput(*step.node, n, requests[i]).area();
+        }
+        for (size_t i = pass.steps.size(); i-- > 0;) {
+            const PlanStep& step = pass.steps[i];
+            if (step.stored < 0 && step.readers > 1 && worthStoring(*step.node)
+                && requests[i].area() > farLimit * wanted[i])
+                return m_whole.insert(step.node->digest).second;
+        }
+        return false;
+    }
+
     /// A rectangle to try a tile in. The picture's, not the one asked for: what is stored must not
     /// depend on which part of a picture is drawn.
     static PixelRect extentOrRect(const PlanPass& pass)
@@ -385,7 +438,8 @@ private:
             return;
         // From here on in cells: as many rows at a time as the full grid's tiles are high.
         const bool fromCells = target->averages >= 0;
-        pass.tileWidth = fromCells ? defaultTileWidth : std::max(1, pass.tileWidth / target->factor);
+        pass.tileWidth =
+            fromCells ? defaultTileWidth : std::max(1, pass.tileWidth / target->factor);
         pass.tileHeight = std::max(1, pass.tileHeight / target->factor);
     }
 

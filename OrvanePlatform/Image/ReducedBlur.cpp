@@ -117,9 +117,8 @@ void blurCells(const StoredImage& averages, const std::vector<float>& weights,
             copyCells(averages, c, y, cells.x0 - reach, cells.x1 + reach, edges, row);
             convolveAcross(row + reach, across.row(c, y), cells.width(), weights.data(), reach);
         }
-        for (int y = cells.y0; y < cells.y1; ++y)
-            convolveDown(across.row(c, y), across.stride, out.row(c, y), cells.width(),
-                         weights.data(), reach);
+        convolveDown({across.row(c, cells.y0), across.stride}, {out.row(c, cells.y0), out.stride},
+                     cells.width(), cells.height(), weights.data(), reach);
     }
     blurred.write(out, cells);
 }

@@ -6,6 +6,8 @@
 
 #include "Lanes-inl.h"
 
+#include <algorithm>
+
 HWY_BEFORE_NAMESPACE();
 namespace orvane::HWY_NAMESPACE {
 namespace {
@@ -42,8 +44,8 @@ HWY_INLINE void convolveBlocks(const float* in, std::ptrdiff_t step, float* out,
         mulAdd(Lanes::load(in + 3 * n), middle, d).store(out + 3 * n);
 }
 
-void convolveRun(const float* in, std::ptrdiff_t step, float* out, int count, const float* weights,
-                 int reach)
+HWY_INLINE void convolveRow(const float* in, std::ptrdiff_t step, float* out, int count,
+                            const float* weights, int reach)
 {
     const int n = int(Lanes::count());
     int i = 0;
@@ -53,6 +55,24 @@ void convolveRun(const float* in, std::ptrdiff_t step, float* out, int count, co
         convolveBlocks<2>(in + i, step, out + i, weights, reach);
     if (i < count)
         convolveBlocks<1>(in + i, step, out + i, weights, reach);
+}
+
+void convolveAcrossRun(const float* in, float* out, int count, const float* weights, int reach)
+{
+    convolveRow(in, 1, out, count, weights, reach);
+}
+
+// Column by column of a few vectors: the rows above and below a pixel then stay in the first-level
+// cache while the next row is summed, which for whole rows of a tile they would not.
+void convolveDownRun(const RowBlock& in, const RowBlock& out, int count, int rows,
+                     const float* weights, int reach)
+{
+    const int strip = 4 * int(Lanes::count());
+    for (int x = 0; x < count; x += strip) {
+        for (int y = 0; y < rows; ++y)
+            convolveRow(in.first + y * in.stride + x, in.stride, out.first + y * out.stride + x,
+                        std::min(strip, count - x), weights, reach);
+    }
 }
 
 void sumRowsRun(const float* first, std::ptrdiff_t stride, const float* weights, int rows,
@@ -133,7 +153,8 @@ HWY_AFTER_NAMESPACE();
 
 namespace orvane {
 
-HWY_EXPORT(convolveRun);
+HWY_EXPORT(convolveAcrossRun);
+HWY_EXPORT(convolveDownRun);
 HWY_EXPORT(sumRowsRun);
 HWY_EXPORT(halveDownRun);
 HWY_EXPORT(halveAcrossRun);
@@ -142,13 +163,13 @@ HWY_EXPORT(doubleAcrossRun);
 
 void convolveAcross(const float* in, float* out, int count, const float* weights, int reach)
 {
-    HWY_DYNAMIC_DISPATCH(convolveRun)(in, 1, out, count, weights, reach);
+    HWY_DYNAMIC_DISPATCH(convolveAcrossRun)(in, out, count, weights, reach);
 }
 
-void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
+void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
                   const float* weights, int reach)
 {
-    HWY_DYNAMIC_DISPATCH(convolveRun)(in, stride, out, count, weights, reach);
+    HWY_DYNAMIC_DISPATCH(convolveDownRun)(in, out, count, rows, weights, reach);
 }
 
 void sumRows(const float* first, std::ptrdiff_t stride, const float* weights, int rows, float* out,

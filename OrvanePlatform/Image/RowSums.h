@@ -11,8 +11,14 @@ namespace orvane {
 
 /// out[x] = sum of weights[|k|] in[x + k] for |k| <= reach. `in` and `out` must differ.
 void convolveAcross(const float* in, float* out, int count, const float* weights, int reach);
-/// out[x] = sum of weights[|k|] of the rows k strides away.
-void convolveDown(const float* in, std::ptrdiff_t stride, float* out, int count,
+/// Rows of floats, `stride` apart.
+struct RowBlock {
+    float* first = nullptr;
+    std::ptrdiff_t stride = 0;
+};
+/// `rows` rows of out[x] = sum of weights[|k|] of the rows k strides away; `in` begins at the row
+/// that the first of `out` lies over.
+void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
                   const float* weights, int reach);
 /// out[x] = sum of weights[k] of the row k strides after the first, k below `rows`.
 void sumRows(const float* first, std::ptrdiff_t stride, const float* weights, int rows, float* out,

@@ -64,9 +64,14 @@ void StoredImage::write(const TilePlanes& planes, const PixelRect& rect)
 TilePlanes StoredImage::read(const PixelRect& rect, TileArena& arena) const
 {
     TilePlanes planes = arena.planes(rect, m_opaque);
+    const size_t rowBytes = size_t(rect.width()) * elementSize();
     for (int c = 0; c < planes.channels(); ++c) {
         for (int y = rect.y0; y < rect.y1; ++y) {
             const void* from = element(c, rect.x0, y);
+            // A tile's row ends before the processor has seen where the reading goes.
+            const uint8_t* next = element(c, rect.x0, std::min(y + 1, rect.y1 - 1));
+            for (size_t i = 0; i < rowBytes; i += 64)
+                __builtin_prefetch(next + i);
             if (m_format == StoredFormat::Float)
                 std::memcpy(planes.row(c, y), from, size_t(rect.width()) * sizeof(float));
             else

@@ -77,9 +77,11 @@ TileEvaluator::TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>
     , m_storedPlans(storedPlans)
     , m_stored(stored)
     , m_tables(tables)
+    , m_groups(pass)
     , m_lastRead(pass.steps.size())
     , m_drawn(pass.steps.size())
     , m_arena(arena)
+    , m_runs(arena)
 {
     std::vector<bool> readLater(pass.steps.size(), false);
     for (size_t i = pass.steps.size(); i-- > 0;) {
@@ -96,12 +98,15 @@ TilePlanes TileEvaluator::draw(const PixelRect& rect)
     m_arena.reset();
     requestedRects(m_pass, rect, m_requests);
     for (size_t i = 0; i < m_pass.steps.size(); ++i) {
+        if (m_groups.runBefore[i])
+            m_runs.flush();
         drawStep(i);
         m_arena.hold(m_drawn[i].planes);
         for (const size_t input : m_lastRead[i])
             m_arena.letGo(m_drawn[input].planes);
         m_arena.sweep();
     }
+    m_runs.flush();
     const Drawn& result = m_drawn.back();
     return coveringPlanes(result.empty ? TilePlanes{} : result.planes, rect, m_arena);
 }
@@ -193,43 +198,39 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Poi
 {
     if (const int only = decidingInput(step, node.kernel->cover); only >= 0)
         return passedOn(index, size_t(step.inputs[size_t(only)]), rect);
-    TilePlanes inputs[maxKernelInputs];
-    bool opaque = !step.inputs.empty() || step.node->opaque;
+    PointwiseRuns::Run run;
+    run.node = &node;
+    run.rect = rect;
+    run.inputCount = step.inputs.size();
+    run.opaque = !step.inputs.empty() || step.node->opaque;
     for (size_t n = 0; n < step.inputs.size(); ++n) {
-        inputs[n] = input(step, n, rect);
-        opaque = opaque && inputs[n].opaque();
+        const bool empty = m_drawn[size_t(step.inputs[n])].empty;
+        run.inputs[n] = empty ? m_runs.zeros(rect) : input(step, n, rect);
+        run.opaque = run.opaque && run.inputs[n].opaque();
     }
-    const bool keeps = node.kernel->rule == OpaqueRule::KeepsAlpha;
-    TilePlanes out;
-    // Drawing over an input that nobody else reads keeps a long chain within one tile's planes.
-    for (size_t n = 0; n < step.inputs.size() && !out.plane[0]; ++n) {
-        const Drawn& drawn = m_drawn[size_t(step.inputs[n])];
+    run.output = pointwiseOutput(index, step, run.opaque);
+    if (run.opaque && node.kernel->rule == OpaqueRule::KeepsAlpha)
+        run.output.plane[3] = nullptr;
+    else if (run.output.opaque())
+        run.output.plane[3] = m_arena.floats(planeSize(run.output));
+    run.run = run.opaque ? node.kernel->opaque : node.kernel->general;
+    m_runs.add(run);
+    return run.output;
+}
+
+/// Where a pointwise step draws. Over an input that nobody else reads, if there is one: that keeps
+/// a long chain within one tile's planes.
+TilePlanes TileEvaluator::pointwiseOutput(size_t index, const PlanStep& step, bool opaque)
+{
+    const PixelRect& rect = m_requests[index];
+    const bool oneRow = m_groups.oneRow[index];
+    for (const int input : step.inputs) {
+        const Drawn& drawn = m_drawn[size_t(input)];
         if (drawn.reusable && !drawn.empty && drawn.planes.rect == rect
-            && m_pass.steps[size_t(step.inputs[n])].readers == 1)
-            out = drawn.planes;
+            && m_pass.steps[size_t(input)].readers == 1 && (drawn.planes.stride != 0 || oneRow))
+            return drawn.planes;
     }
-    if (!out.plane[0])
-        out = m_arena.planes(rect, opaque && keeps);
-    if (!opaque) {
-        for (size_t n = 0; n < step.inputs.size(); ++n)
-            addOpaqueAlpha(inputs[n], m_arena);
-    }
-    if (opaque && keeps)
-        out.plane[3] = nullptr;
-    else if (out.opaque())
-        out.plane[3] = m_arena.floats(size_t(out.stride) * size_t(rect.height()));
-    const PointwiseRun run = opaque ? node.kernel->opaque : node.kernel->general;
-    for (int y = rect.y0; y < rect.y1; ++y) {
-        PointwiseRow row{.x = rect.x0, .y = y, .count = rect.width(), .inputs = {}, .output = {}};
-        for (size_t n = 0; n < step.inputs.size(); ++n) {
-            for (int c = 0; c < inputs[n].channels(); ++c)
-                row.inputs[n][c] = inputs[n].at(c, rect.x0, y);
-        }
-        for (int c = 0; c < out.channels(); ++c)
-            row.output[c] = out.row(c, y);
-        run(node.parameters.record.data(), node.parameters.tableData(), row);
-    }
-    return out;
+    return oneRow ? m_arena.rowPlanes(rect, opaque) : m_arena.planes(rect, opaque);
 }
 
 TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const CropNode&,

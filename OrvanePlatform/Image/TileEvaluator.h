@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Planner.h"
+#include "PointwiseRuns.h"
 #include "StoredImage.h"
 #include "TilePlanes.h"
 
@@ -57,6 +58,7 @@ private:
     TilePlanes input(const PlanStep& step, size_t n, const PixelRect& rect);
     TilePlanes withRecipesAlpha(const PlanStep& step, TilePlanes planes);
     int decidingInput(const PlanStep& step, Cover cover) const;
+    TilePlanes pointwiseOutput(size_t index, const PlanStep& step, bool opaque);
     TilePlanes passedOn(size_t index, size_t from, const PixelRect& rect);
 
     TilePlanes drawStored(const PlanStep& step, const PixelRect& rect);
@@ -87,10 +89,12 @@ private:
     const std::vector<StoredPlan>& m_storedPlans;
     const std::vector<std::shared_ptr<StoredImage>>& m_stored;
     const PassTables& m_tables;
+    RowGroups m_groups;
     std::vector<std::vector<size_t>> m_lastRead; ///< by step: the inputs that no later step reads
     std::vector<PixelRect> m_requests;
     std::vector<Drawn> m_drawn;
     TileArena& m_arena;
+    PointwiseRuns m_runs;
 };
 
 } // namespace orvane

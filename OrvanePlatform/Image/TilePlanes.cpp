@@ -4,22 +4,32 @@
 
 namespace orvane {
 
+namespace {
+
+constexpr size_t lineFloats = 16;
+constexpr size_t pageFloats = 1024;
+
+} // namespace
+
 float* TileArena::floats(size_t count)
 {
     // Whole cache lines, and room for a kernel's last vector to write past the end.
     const size_t size = (count + rowPadding + 15) / 16 * 16;
     Piece* best = nullptr;
     for (Piece& piece : m_pieces) {
-        // A piece far too large is left for those who need it.
-        if (!piece.used && piece.size >= size && piece.size <= 2 * size + 4096
-            && (!best || piece.takenBack > best->takenBack))
+        if (!piece.used && piece.size >= size && (!best || piece.takenBack > best->takenBack))
             best = &piece;
     }
     if (!best) {
         Piece piece;
-        piece.memory.reset(new float[size + 16]);
-        const size_t past = reinterpret_cast<uintptr_t>(piece.memory.get()) / sizeof(float) % 16;
-        piece.start = piece.memory.get() + (past == 0 ? 0 : 16 - past);
+        piece.memory.reset(new float[size + lineFloats + pageFloats]);
+        const size_t past =
+            reinterpret_cast<uintptr_t>(piece.memory.get()) / sizeof(float) % pageFloats;
+        // Each piece begins on another line of a page: a pixel program walks through many planes
+        // side by side, and they must not all fall into the same few places of the first-level
+        // cache.
+        const size_t line = m_pieces.size() * 11 % (pageFloats / lineFloats);
+        piece.start = piece.memory.get() + (line * lineFloats + pageFloats - past) % pageFloats;
         piece.size = size;
         m_pieces.push_back(std::move(piece));
         best = &m_pieces.back();
@@ -75,18 +85,35 @@ TilePlanes TileArena::planes(const PixelRect& rect, bool opaque)
 {
     TilePlanes planes;
     planes.rect = rect;
+    // An odd number of cache lines, so that the rows above one another do not share their places.
     planes.stride = (rect.width() + 15) / 16 * 16;
+    planes.stride += planes.stride / 16 % 2 == 0 ? 16 : 0;
     const size_t size = size_t(planes.stride) * size_t(rect.height());
     for (int c = 0; c < (opaque ? 3 : 4); ++c)
         planes.plane[c] = floats(size);
     return planes;
 }
 
+TilePlanes TileArena::rowPlanes(const PixelRect& rect, bool opaque)
+{
+    TilePlanes planes;
+    planes.rect = rect;
+    for (int c = 0; c < (opaque ? 3 : 4); ++c)
+        planes.plane[c] = floats(size_t(rect.width()));
+    return planes;
+}
+
+size_t planeSize(const TilePlanes& planes)
+{
+    const PixelRect& r = planes.rect;
+    return planes.stride == 0 ? size_t(r.width()) : size_t(planes.stride) * size_t(r.height());
+}
+
 void addOpaqueAlpha(TilePlanes& planes, TileArena& arena)
 {
     if (!planes.opaque())
         return;
-    const size_t size = size_t(planes.stride) * size_t(planes.rect.height());
+    const size_t size = planeSize(planes);
     planes.plane[3] = arena.floats(size);
     std::fill_n(planes.plane[3], size, 1.0f);
 }

@@ -10,7 +10,8 @@
 namespace orvane {
 
 /// Planar float pixels of a rectangle within a tile's scratch memory: a borrowed view. Row 0 is the
-/// rectangle's lowest. A rectangle of an opaque picture has no alpha plane.
+/// rectangle's lowest. A rectangle of an opaque picture has no alpha plane. With a stride of 0 all
+/// rows are one: the row that is being drawn.
 struct TilePlanes {
     PixelRect rect;
     float* plane[4] = {};
@@ -28,6 +29,8 @@ struct TilePlanes {
 class TileArena {
 public:
     TilePlanes planes(const PixelRect& rect, bool opaque);
+    /// Planes of one row that stands for all of them.
+    TilePlanes rowPlanes(const PixelRect& rect, bool opaque);
     float* floats(size_t count);
 
     /// The memory of the planes outlives `sweep` until it has been let go as often as held.
@@ -53,6 +56,9 @@ private:
     std::vector<Piece> m_pieces;
     uint64_t m_sweeps = 0;
 };
+
+/// Floats of one of its planes.
+size_t planeSize(const TilePlanes& planes);
 
 /// An alpha plane of ones for planes that have none.
 void addOpaqueAlpha(TilePlanes& planes, TileArena& arena);

@@ -1,7 +1,7 @@
 // The steps that read more of their input than the pixel itself: resamplings and neighbourhoods.
 
 #include "BilinearWindow.h"
-#include "PlaneConversion.h"
+#include "ResampleRows.h"
 #include "RowSums.h"
 #include "TileEvaluator.h"
 
@@ -30,29 +30,16 @@ void sampleRow(const WarpNode& node, const BilinearWindow& window, int x, int y,
     }
 }
 
-/// The across half of a Lanczos row: interleaved pixels from column x0 on to a row of `out`. The
-/// four channels of a pixel go through each tap together, in two sums that do not wait for each
-/// other.
-void sumPixels(const float* pixels, const PassTables::Taps& across, int x0, int y, TilePlanes& out)
+/// The weights of outputs first .. first + count - 1, those of each filled up to whole groups.
+TapRun groupedTaps(const PassTables::Taps& taps, int first, int count, int origin, TileArena& arena)
 {
-    using Pixel = float __attribute__((vector_size(16)));
-    const auto* row = static_cast<const Pixel*>(static_cast<const void*>(pixels));
-    for (int x = out.rect.x0; x < out.rect.x1; ++x) {
-        const float* weights = across.weightsOf(x);
-        const Pixel* source = row + (across.firstOf(x) - x0);
-        Pixel even{};
-        Pixel odd{};
-        int k = 0;
-        for (; k + 1 < across.width; k += 2) {
-            even += source[k] * weights[k];
-            odd += source[k + 1] * weights[k + 1];
-        }
-        if (k < across.width)
-            even += source[k] * weights[k];
-        const Pixel sum = even + odd;
-        for (int c = 0; c < out.channels(); ++c)
-            *out.at(c, x, y) = c == 3 ? std::clamp(sum[c], 0.0f, 1.0f) : sum[c];
+    const int width = (taps.width + tapGroup - 1) / tapGroup * tapGroup;
+    float* weights = arena.floats(size_t(width) * size_t(count));
+    for (int i = 0; i < count; ++i) {
+        float* to = std::copy_n(taps.weightsOf(first + i), taps.width, weights + i * width);
+        std::fill(to, weights + (i + 1) * width, 0.0f);
     }
+    return {&taps.first[size_t(first - taps.origin)], weights, width, origin};
 }
 
 } // namespace
@@ -96,10 +83,7 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const HalveNode
     for (int c = 0; c < from.channels(); ++c) {
         for (int y = rect.y0; y < rect.y1; ++y) {
             const float* low = from.at(c, wanted.x0, wanted.y0 + 2 * (y - rect.y0));
-            const float* high = low + from.stride;
-            float* to = out.row(c, y);
-            for (int i = 0; i < rect.width(); ++i)
-                to[i] = 0.25f * (low[2 * i] + low[2 * i + 1] + high[2 * i] + high[2 * i + 1]);
+            averagePairs(low, low + from.stride, out.row(c, y), rect.width());
         }
     }
     return out;
@@ -125,9 +109,8 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Gau
         for (int y = tall.y0; y < tall.y1; ++y)
             convolveAcross(from.at(c, rect.x0, y), across.row(c, y), rect.width(), weights.data(),
                            reach);
-        for (int y = rect.y0; y < rect.y1; ++y)
-            convolveDown(across.row(c, y), across.stride, out.row(c, y), rect.width(),
-                         weights.data(), reach);
+        convolveDown({across.row(c, rect.y0), across.stride}, {out.row(c, rect.y0), out.stride},
+                     rect.width(), rect.height(), weights.data(), reach);
     }
     const PixelRect inner = out.opaque() ? PixelRect{} : solid.intersection(rect);
     for (int y = inner.y0; y < inner.y1; ++y)
@@ -146,17 +129,19 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Lan
     const TilePlanes from = withRecipesAlpha(
         step, edgeRepeatedPlanes(m_drawn[size_t(step.inputs[0])].planes, wanted, m_arena));
     TilePlanes out = m_arena.planes(rect, from.opaque());
-    float* summed = m_arena.floats(size_t(wanted.width()));
-    float* pixels = m_arena.floats(size_t(wanted.width()) * 4);
-    std::fill_n(pixels, size_t(wanted.width()) * 4, 0.0f);
+    const TapRun taps = groupedTaps(across, rect.x0, rect.width(), wanted.x0, m_arena);
+    float* pixels = m_arena.floats(size_t(wanted.width() + pixelPadding) * 4);
+    float* summed = m_arena.floats(size_t(rect.width() + rowPadding) * 4);
     for (int y = rect.y0; y < rect.y1; ++y) {
+        const float* rows[4] = {};
+        float* to[4] = {};
         for (int c = 0; c < from.channels(); ++c) {
-            sumRows(from.at(c, wanted.x0, down.firstOf(y)), from.stride, down.weightsOf(y),
-                    down.width, summed, wanted.width());
-            for (int i = 0; i < wanted.width(); ++i)
-                pixels[4 * i + c] = summed[i];
+            rows[c] = from.at(c, wanted.x0, down.firstOf(y));
+            to[c] = out.row(c, y);
         }
-        sumPixels(pixels, across, wanted.x0, y, out);
+        sumRowsToPixels(rows, from.stride, down.weightsOf(y), down.width, pixels, wanted.width());
+        sumPixels(pixels, taps, rect.width(), summed);
+        planesFromPixels(summed, rect.width(), to);
     }
     return out;
 }

@@ -1,0 +1,103 @@
+#include "PointwiseRuns.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+namespace {
+
+bool isPointwise(const PlanStep& step)
+{
+    return step.stored < 0 && step.node->as<PointwiseNode>();
+}
+
+} // namespace
+
+RowGroups::RowGroups(const PlanPass& pass)
+    : runBefore(pass.steps.size(), false)
+    , oneRow(pass.steps.size(), false)
+{
+    std::vector<int> group(pass.steps.size(), 0);
+    int current = 0;
+    for (size_t i = 0; i < pass.steps.size(); ++i) {
+        const PlanStep& step = pass.steps[i];
+        // A crop looks at the same rows of the same memory. An input that ends earlier than its
+        // reader is copied into zeros first.
+        const bool copies =
+            std::any_of(step.inputs.begin(), step.inputs.end(), [&](const int input) {
+                return !pass.steps[size_t(input)].node->extent.contains(step.node->extent);
+            });
+        runBefore[i] =
+            !step.inputs.empty() && (isPointwise(step) ? copies : !step.node->as<CropNode>());
+        current += runBefore[i];
+        group[i] = current;
+        oneRow[i] = isPointwise(step) && i + 1 < pass.steps.size();
+    }
+    for (size_t i = 0; i < pass.steps.size(); ++i) {
+        const PlanStep& reader = pass.steps[i];
+        for (const int input : reader.inputs) {
+            // A program that may pass an input on makes its memory outlive the group.
+            const bool together = isPointwise(reader) && group[size_t(input)] == group[i]
+                && reader.node->as<PointwiseNode>()->kernel->cover == Cover::None;
+            oneRow[size_t(input)] = oneRow[size_t(input)] && together;
+        }
+    }
+}
+
+TilePlanes PointwiseRuns::zeros(const PixelRect& rect)
+{
+    m_zeros.resize(std::max(m_zeros.size(), size_t(rect.width() + rowPadding)), 0.0f);
+    TilePlanes planes;
+    planes.rect = rect;
+    for (float*& plane : planes.plane)
+        plane = m_zeros.data();
+    return planes;
+}
+
+void PointwiseRuns::add(const Run& run)
+{
+    m_ones.resize(std::max(m_ones.size(), size_t(run.rect.width() + rowPadding)), 1.0f);
+    m_waiting.push_back(run);
+    for (size_t n = 0; n < run.inputCount; ++n)
+        m_arena.hold(run.inputs[n]);
+    m_arena.hold(run.output);
+}
+
+void PointwiseRuns::runRow(const Run& run, int y) const
+{
+    const PixelRect& rect = run.rect;
+    PointwiseRow row{.x = rect.x0, .y = y, .count = rect.width(), .inputs = {}, .output = {}};
+    for (size_t n = 0; n < run.inputCount; ++n) {
+        const TilePlanes& input = run.inputs[n];
+        for (int c = 0; c < input.channels(); ++c)
+            row.inputs[n][c] = input.at(c, rect.x0, y);
+        if (input.opaque())
+            row.inputs[n][3] = m_ones.data();
+    }
+    for (int c = 0; c < run.output.channels(); ++c)
+        row.output[c] = run.output.at(c, rect.x0, y);
+    run.run(run.node->parameters.record.data(), run.node->parameters.tableData(), row);
+}
+
+void PointwiseRuns::flush()
+{
+    if (m_waiting.empty())
+        return;
+    PixelRect all;
+    for (const Run& run : m_waiting)
+        all = all.united(run.rect);
+    for (int y = all.y0; y < all.y1; ++y) {
+        for (const Run& run : m_waiting) {
+            if (y >= run.rect.y0 && y < run.rect.y1)
+                runRow(run, y);
+        }
+    }
+    for (const Run& run : m_waiting) {
+        for (size_t n = 0; n < run.inputCount; ++n)
+            m_arena.letGo(run.inputs[n]);
+        m_arena.letGo(run.output);
+    }
+    m_waiting.clear();
+}
+
+} // namespace orvane

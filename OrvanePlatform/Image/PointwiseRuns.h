@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Node.h"
+#include "Planner.h"
+#include "TilePlanes.h"
+
+#include <vector>
+
+namespace orvane {
+
+/// Which pointwise steps of a pass are run together, row by row, so that a row goes through a whole
+/// chain while it is in the first-level cache. Follows from the pass alone.
+struct RowGroups {
+    explicit RowGroups(const PlanPass& pass);
+
+    /// By step: what waits must be run before this step looks at pixels.
+    std::vector<bool> runBefore;
+    /// By step: all who read it are run together with it, so one row is all that it needs to keep.
+    std::vector<bool> oneRow;
+};
+
+/// Pointwise steps that wait to be run together over the rows of a tile.
+class PointwiseRuns {
+public:
+    explicit PointwiseRuns(TileArena& arena)
+        : m_arena(arena)
+    {
+    }
+
+    struct Run {
+        PointwiseRun run;
+        const PointwiseNode* node = nullptr;
+        PixelRect rect;
+        TilePlanes inputs[maxKernelInputs];
+        size_t inputCount = 0;
+        TilePlanes output;
+        bool opaque = false; ///< alpha is neither read nor, where the program keeps it, written
+    };
+
+    /// Pixels of an input that has none.
+    TilePlanes zeros(const PixelRect& rect);
+    void add(const Run& run);
+    /// Runs all that wait.
+    void flush();
+
+private:
+    void runRow(const Run& run, int y) const;
+
+    TileArena& m_arena;
+    std::vector<Run> m_waiting;
+    std::vector<float> m_zeros;
+    std::vector<float> m_ones; ///< the alpha of opaque inputs beside others
+};
+
+} // namespace orvane

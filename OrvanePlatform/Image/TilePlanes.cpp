@@ -8,35 +8,47 @@ namespace {
 
 constexpr size_t lineFloats = 16;
 constexpr size_t pageFloats = 1024;
+constexpr size_t largestRow = 8192;
 
 } // namespace
 
 float* TileArena::floats(size_t count)
 {
     // Whole cache lines, and room for a kernel's last vector to write past the end.
-    const size_t size = (count + rowPadding + 15) / 16 * 16;
+    const size_t size = (count + rowPadding + lineFloats - 1) / lineFloats * lineFloats;
+    // Rows and planes are kept apart: a row would take a plane's piece, and a plane find none.
+    const bool plane = size > largestRow;
     Piece* best = nullptr;
+    Piece* tooSmall = nullptr;
     for (Piece& piece : m_pieces) {
-        if (!piece.used && piece.size >= size && (!best || piece.takenBack > best->takenBack))
-            best = &piece;
+        if (piece.used || (piece.size > largestRow) != plane)
+            continue;
+        if (piece.size >= size)
+            best = !best || piece.takenBack > best->takenBack ? &piece : best;
+        else
+            tooSmall = &piece;
     }
     if (!best) {
-        Piece piece;
-        piece.memory.reset(new float[size + lineFloats + pageFloats]);
-        const size_t past =
-            reinterpret_cast<uintptr_t>(piece.memory.get()) / sizeof(float) % pageFloats;
-        // Each piece begins on another line of a page: a pixel program walks through many planes
-        // side by side, and they must not all fall into the same few places of the first-level
-        // cache.
-        const size_t line = m_pieces.size() * 11 % (pageFloats / lineFloats);
-        piece.start = piece.memory.get() + (line * lineFloats + pageFloats - past) % pageFloats;
-        piece.size = size;
-        m_pieces.push_back(std::move(piece));
-        best = &m_pieces.back();
+        // One that is too small grows: there are never more pieces than are in use at once.
+        best = tooSmall ? tooSmall : &m_pieces.emplace_back();
+        grow(*best, size);
     }
     best->used = true;
     best->holders = 0;
     return best->start;
+}
+
+void TileArena::grow(Piece& piece, size_t size)
+{
+    piece.memory.reset();
+    piece.memory.reset(new float[size + lineFloats + pageFloats]);
+    piece.size = size;
+    // Each piece begins on another line of a page: a pixel program walks through many planes side
+    // by side, and they must not all fall into the same few places of the first-level cache.
+    const size_t past =
+        reinterpret_cast<uintptr_t>(piece.memory.get()) / sizeof(float) % pageFloats;
+    const size_t line = size_t(&piece - m_pieces.data()) * 11 % (pageFloats / lineFloats);
+    piece.start = piece.memory.get() + (line * lineFloats + pageFloats - past) % pageFloats;
 }
 
 TileArena::Piece* TileArena::pieceOf(const float* address)

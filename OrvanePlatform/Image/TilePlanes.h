@@ -51,6 +51,7 @@ private:
         uint64_t takenBack = 0; ///< when, in sweeps
     };
 
+    void grow(Piece& piece, size_t size);
     Piece* pieceOf(const float* address);
 
     std::vector<Piece> m_pieces;

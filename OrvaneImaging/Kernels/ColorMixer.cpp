@@ -17,30 +17,31 @@ HWY_BEFORE_NAMESPACE();
 namespace orvane::HWY_NAMESPACE {
 namespace {
 
-/// Degrees, in the order of Adjustments::bands.
-constexpr float centres[8] = {0, 30, 60, 120, 180, 240, 280, 320};
+/// Hues are counted in sixths of the circle. The bands, in the order of Adjustments::bands; those
+/// about red from -3 to 3, so that no distance is taken across the circle's seam.
+struct Band {
+    float centre;
+    bool aboutRed;
+};
+constexpr Band bands[8] = {{0, true},  {0.5f, true}, {1, false},           {2, false},
+                           {3, false}, {4, false},   {280.0f / 60, false}, {-40.0f / 60, true}};
 
 struct ColorMixer : PremultipliedKernel<1> {
     struct Record {
         float hue[8];
         float sat[8];
         float lum[8];
+        int moves[8]; ///< not 0 for a band with a setting
     };
 
-    template <class L> static HWY_INLINE L modulo(L x, float y)
+    /// -1..5 for channels that differ; scale is one over their difference.
+    template <class L> static HWY_INLINE L hueOf(const Pixel<L>& p, L largest, L scale)
     {
-        return x - floor(x * L(1 / y)) * L(y);
-    }
-
-    /// 0..360 for channels that differ by delta.
-    template <class L> static HWY_INLINE L hueOf(const Pixel<L>& p, L largest, L delta)
-    {
-        const L fromRed = modulo((p.g - p.b) / delta, 6.0f);
-        const L fromGreen = (p.b - p.r) / delta + L(2.0f);
-        const L fromBlue = (p.r - p.g) / delta + L(4.0f);
-        return L(60.0f)
-            * select(equal(largest, p.r), fromRed,
-                     select(equal(largest, p.g), fromGreen, fromBlue));
+        const auto red = equal(largest, p.r);
+        const auto green = equal(largest, p.g);
+        const L difference = select(red, p.g - p.b, select(green, p.b - p.r, p.r - p.g));
+        const L start = select(red, L(0.0f), select(green, L(2.0f), L(4.0f)));
+        return mulAdd(difference, scale, start);
     }
 
     template <class L> struct Shift {
@@ -49,22 +50,26 @@ struct ColorMixer : PremultipliedKernel<1> {
         L lum;
     };
 
+    /// hue 0..6.
     template <class L> static HWY_INLINE Shift<L> shiftAt(const Record& p, L hue)
     {
+        const L one(1.0f);
+        const L aboutRed = select(hue > L(3.0f), hue - L(6.0f), hue);
         Shift<L> sum{L(0.0f), L(0.0f), L(0.0f)};
         L weights(0.0f);
         for (int band = 0; band < 8; ++band) {
-            const L straight = abs(hue - L(centres[band]));
-            const L distance = min(straight, L(360.0f) - straight);
-            const L reach = max(L(1.0f) - distance * L(1.0f / 60), L(0.0f));
+            const L distance = abs((bands[band].aboutRed ? aboutRed : hue) - L(bands[band].centre));
+            const L reach = max(one - distance, L(0.0f));
+            weights = mulAdd(reach, reach, weights);
+            if (p.moves[band] == 0)
+                continue;
             const L weight = reach * reach;
-            weights = weights + weight;
             sum.hue = mulAdd(weight, L(p.hue[band]), sum.hue);
             sum.sat = mulAdd(weight, L(p.sat[band]), sum.sat);
             sum.lum = mulAdd(weight, L(p.lum[band]), sum.lum);
         }
         // No gap between two centres is over 60 degrees: some weight is always above 0.1.
-        const L scale = L(1.0f) / max(weights, L(0.1f));
+        const L scale = one / max(weights, L(0.1f));
         return {sum.hue * scale, sum.sat * scale, sum.lum * scale};
     }
 
@@ -89,11 +94,16 @@ struct ColorMixer : PremultipliedKernel<1> {
         const L l = sum * L(0.5f);
         const L room = select(l > L(0.5f), two - sum, sum);
         // Never a division by 0, which only colours beyond 0..1 could come to.
-        const L sat = delta / select(abs(room) < L(1e-6f), L(1e-6f), room);
-        const L hue = hueOf(*in, largest, delta);
+        const L held = select(abs(room) < L(1e-6f), L(1e-6f), room);
+        // One division for both: divisions are the most of this program's time.
+        const L inverse = one / (delta * held);
+        const L sat = delta * (delta * inverse);
+        const L turned = hueOf(*in, largest, held * inverse);
+        const L hue = select(turned < zero, turned + L(6.0f), turned);
 
         const Shift<L> shift = shiftAt(p, hue);
-        const L sixths = modulo(hue + shift.hue * L(30.0f), 360.0f) * L(1.0f / 60);
+        const L moved = mulAdd(shift.hue, L(0.5f), hue);
+        const L sixths = moved - floor(moved * L(1.0f / 6)) * L(6.0f);
         const L sat2 = clamp(sat * (one + shift.sat), zero, one);
         const L headroom = one - abs(l * two - one);
         const L l2 = clamp(l + shift.lum * L(0.35f) * headroom + shift.lum * L(0.05f), zero, one);
@@ -122,6 +132,8 @@ CIImage Kernels::colorMixer(const CIImage& image, const Adjustments::Bands& hue,
     std::copy(hue.begin(), hue.end(), record.hue);
     std::copy(sat.begin(), sat.end(), record.sat);
     std::copy(lum.begin(), lum.end(), record.lum);
+    for (size_t i = 0; i < 8; ++i)
+        record.moves[i] = hue[i] != 0 || sat[i] != 0 || lum[i] != 0;
     return applyKernel(colorMixerKernel, Parameters::of(record), {{image}});
 }
 

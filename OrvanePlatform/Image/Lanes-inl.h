@@ -50,7 +50,13 @@ struct Lanes {
     static HWY_INLINE Lanes load(const float* p) { return hn::LoadU(FloatTag(), p); }
     HWY_INLINE void store(float* p) const { hn::StoreU(v, FloatTag(), p); }
     /// first, first + 1, first + 2, ...
-    static HWY_INLINE Lanes ramp(float first) { return hn::Iota(FloatTag(), first); }
+    static HWY_INLINE Lanes ramp(float first)
+    {
+        // Iota puts the numbers together one by one: 6 cycles a pixel with AVX2.
+        alignas(64) static constexpr float steps[] = {0, 1, 2,  3,  4,  5,  6,  7,
+                                                      8, 9, 10, 11, 12, 13, 14, 15};
+        return hn::Add(hn::Set(FloatTag(), first), hn::Load(FloatTag(), steps));
+    }
 };
 
 HWY_INLINE Lanes operator+(Lanes a, Lanes b)

@@ -66,7 +66,33 @@ struct Capsule {
     }
 };
 
-void paint(Bitmap& mask, const Capsule& capsule, double radius)
+/// Pixels first .. end - 1 of a row that are white already. The capsules of a stroke overlap by
+/// nearly all of their area: filling each anew took most of the time.
+struct WhiteRun {
+    int first = 0;
+    int end = 0;
+
+    bool holds(int x) const { return x >= first && x < end; }
+    /// Fills the row from `low` to before `high`, where it is not white yet.
+    void fill(uint8_t* row, int low, int high)
+    {
+        if (low >= high)
+            return;
+        if (low > end || high < first || first == end) { // apart: the longer is remembered
+            std::memset(row + low, 255, size_t(high - low));
+            if (high - low > end - first)
+                *this = {low, high};
+            return;
+        }
+        if (low < first)
+            std::memset(row + low, 255, size_t(first - low));
+        if (high > end)
+            std::memset(row + end, 255, size_t(high - end));
+        *this = {std::min(low, first), std::max(high, end)};
+    }
+};
+
+void paint(Bitmap& mask, std::vector<WhiteRun>& white, const Capsule& capsule, double radius)
 {
     const int width = mask.width();
     const double reach = radius + 0.5;
@@ -90,15 +116,18 @@ void paint(Bitmap& mask, const Capsule& capsule, double radius)
             fullEnd = int(std::clamp(std::floor(inner.high + 0.5), double(fullFirst), double(end)));
         }
         uint8_t* pixels = mask.row(row);
+        WhiteRun& known = white[size_t(row)];
         const auto blend = [&](int x) {
+            if (known.holds(x))
+                return;
             const double coverage = std::clamp(reach - capsule.distance(x + 0.5, y), 0.0, 1.0);
             pixels[x] = std::max(pixels[x], uint8_t(std::lround(coverage * 255)));
         };
         for (int x = first; x < fullFirst; ++x)
             blend(x);
-        std::memset(pixels + fullFirst, 255, size_t(fullEnd - fullFirst));
         for (int x = fullEnd; x < end; ++x)
             blend(x);
+        known.fill(pixels, fullFirst, fullEnd);
     }
 }
 
@@ -110,12 +139,13 @@ std::shared_ptr<const Bitmap> paintedMask(const Strokes& strokes, int width, int
     auto mask = std::make_shared<Bitmap>(width, height, 1, SampleType::U8, AlphaKind::None);
     for (int row = 0; row < height; ++row)
         std::memset(mask->row(row), 0, mask->rowBytes());
+    std::vector<WhiteRun> white(static_cast<size_t>(height));
     const auto placed = [&](const CGPoint& p) { return CGPoint{p.x * width, p.y * height}; };
     for (const auto& stroke : strokes) {
         for (size_t i = 0; i < stroke.size(); ++i) {
             const Capsule capsule{placed(stroke[i == 0 ? 0 : i - 1]), placed(stroke[i])};
             if (i > 0 || stroke.size() == 1)
-                paint(*mask, capsule, lineWidth / 2);
+                paint(*mask, white, capsule, lineWidth / 2);
         }
     }
     return mask;

@@ -14,7 +14,8 @@ namespace orvane {
 // neighbour. Both are the same filter, a quadratic B-spline in the limit: what it leaves of the
 // frequencies that a coarser grid folds over falls off with the third power of their distance.
 // Between them lies a convolution whose weights make up for both, so that the whole comes close to
-// the Gaussian: a step differs by less than 4e-4 for the factors that blurReduction chooses.
+// the Gaussian: a step differs by less than 6e-4 for the factors that blurReduction chooses, most
+// of it 3 sigma away from the step, where the Gaussian's weights end at once and the grid's cannot.
 // Cells are counted from the origin of the coordinates, so tiles agree to the bit.
 
 /// The factor to compute a Gaussian of this sigma with: 1, or the largest power of two up to

@@ -67,7 +67,7 @@ public:
         int threads = 0; ///< 0: as many as the machine has
         int tileWidth = 0; ///< 0: chosen by the planner
         int tileHeight = 0;
-        size_t cacheBytes = size_t(512) << 20; ///< budget of the kept intermediates
+        size_t cacheBytes = size_t(768) << 20; ///< budget of the kept intermediates
         uint64_t shuffleSeed = 0; ///< not 0: tiles in a random order, which must not matter
     };
 

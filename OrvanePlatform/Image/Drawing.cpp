@@ -108,6 +108,7 @@ Digest Drawing::key(size_t stored) const
     const StoredPlan& planned = m_plan.stored[stored];
     DigestBuilder digest;
     digest.add(planned.node->digest).add(uint64_t(planned.form)).add(uint64_t(m_format));
+    digest.add(uint64_t(planned.exact));
     for (const PlanPass& pass : m_plan.passes) {
         for (const PlanStep& step : pass.steps) {
             if (pass.target == int(stored) && step.stored >= 0)
@@ -148,8 +149,8 @@ void Drawing::allocate(size_t stored)
     const bool opaque =
         planned.node->opaque && (coarse || planned.node->extent.contains(planned.region));
     const int rows = kept ? planned.region.height() : m_schedule.images[stored].rows;
-    m_stored[stored] = std::make_shared<StoredImage>(planned.region, opaque,
-                                                     coarse ? StoredFormat::Float : m_format, rows);
+    const StoredFormat format = coarse || planned.exact ? StoredFormat::Float : m_format;
+    m_stored[stored] = std::make_shared<StoredImage>(planned.region, opaque, format, rows);
     m_storedBytes += m_stored[stored]->byteSize();
     m_statistics.peakStoredBytes = std::max(m_statistics.peakStoredBytes, m_storedBytes);
     m_statistics.storedImages += planned.form != Form::Averages;

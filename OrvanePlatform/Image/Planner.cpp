@@ -9,11 +9,12 @@
 //   3. a histogram counts: its counts are stored;
 //   4. a result is read by more than one pass;
 //   5. a patch of a picture reads the same picture somewhere else (a healed spot): a tile there
-//   would
-//      draw all that lies between the two;
-//   6. intermediates are kept for later draws and a scaling reduces its input: a preview's small
-//   copy
-//      of a large picture is drawn once, not with every change of a slider.
+//      would draw all that lies between the two;
+//   6. intermediates are kept for later draws: a scaling that reduces its input is stored, so that
+//   a
+//      preview's small copy of a large picture is drawn once and not with every change of a slider;
+//      and in each pass the step behind which only pointwise steps follow, so that a change of a
+//      late slider runs those alone.
 // Rules 1, 4 and 5 never store what is read straight from a source (through moves, flips, crops and
 // clamps) or made of no source at all: reading it again is cheaper. Whole-pixel moves, flips,
 // crops, clamps, generators and every pointwise operation never end a pass. Within a pass each step
@@ -36,6 +37,8 @@ namespace orvane {
 namespace {
 
 constexpr double windowLimit = 1.35;
+/// Of rule 6: passes with more steps are left as they are.
+constexpr size_t longestTailSearch = 100;
 /// Of rule 5: what counts as a patch, a part of the picture; how many are tried in a pass; and how
 /// many times the pixels that are read there may be drawn.
 constexpr double patchLimit = 0.25;
@@ -106,7 +109,7 @@ public:
     {
         do
             collectPasses();
-        while (storeShared() || storeWideWindows() || storeFarReads());
+        while (storeShared() || storeWideWindows() || storeFarReads() || storeBeforeTails());
         settleRegions();
         for (PlanPass& pass : m_plan.passes)
             chooseTiles(pass, tileWidth, tileHeight);
@@ -177,6 +180,47 @@ private:
             && inputDensity(node) > 1;
     }
 
+    bool storeBeforeTails()
+    {
+        if (m_intermediates != Intermediates::Kept)
+            return false;
+        for (const PlanPass& pass : m_plan.passes) {
+            if (pass.steps.size() > longestTailSearch)
+                continue;
+            for (size_t i = 0; i + 1 < pass.steps.size(); ++i) {
+                const PlanStep& step = pass.steps[i];
+                if (step.stored >= 0 || !worthStoring(*step.node) || !leavesATail(pass, i))
+                    continue;
+                m_whole.insert(step.node->digest);
+                m_exact.insert(step.node->digest);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Something costly stands behind step `index`, and nothing costly beside it.
+    static bool leavesATail(const PlanPass& pass, size_t index)
+    {
+        const auto costly = [&](const PlanStep& step) {
+            return step.stored < 0 ? isNeighbourhood(*step.node) : isReducedBlur(*step.node);
+        };
+        const auto reaches = [&](size_t from, bool around) {
+            std::vector<bool> reached(pass.steps.size(), false);
+            reached[from] = true;
+            for (size_t i = from + 1; i-- > 0;) {
+                if (!reached[i] || (around && i == index))
+                    continue;
+                if (costly(pass.steps[i]))
+                    return true;
+                for (const int input : pass.steps[i].inputs)
+                    reached[size_t(input)] = true;
+            }
+            return false;
+        };
+        return reaches(index, false) && !reaches(pass.steps.size() - 1, true);
+    }
+
     int storedImage(const Node& node, StoredPlan::Form form)
     {
         // One node is stored in one form: a large blur reduced, a histogram counted, any other
@@ -186,6 +230,7 @@ private:
         StoredPlan stored;
         stored.node = &node;
         stored.form = form;
+        stored.exact = m_exact.count(node.digest) > 0;
         if (form == StoredPlan::Form::ReducedBlur) {
             stored.factor = blurReduction(node.as<GaussianNode>()->sigma);
             stored.averages = storedAverages(node, stored.factor);
@@ -471,6 +516,7 @@ private:
     std::unordered_map<Digest, int> m_storedIndex;
     std::map<AveragesKey, int> m_averages;
     std::unordered_set<Digest> m_whole;
+    std::unordered_set<Digest> m_exact;
     std::unordered_map<Digest, bool> m_dependsOnSource;
 };
 

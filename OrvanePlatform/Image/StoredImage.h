@@ -8,7 +8,8 @@
 namespace orvane {
 
 /// How an intermediate is kept. A half has 11 significant bits: an error of at most 0.03 of an
-/// 8-bit level after encoding, at half the bytes. Draws for 16-bit and float output keep floats.
+/// 8-bit level after encoding, at half the bytes; where a sharpening then sets black against white,
+/// up to 0.3. Draws for 16-bit and float output keep floats.
 enum class StoredFormat { Half, Float };
 
 /// A drawn intermediate: planes of a rectangle, kept between passes and, in the cache, between

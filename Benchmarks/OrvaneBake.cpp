@@ -16,12 +16,14 @@ namespace {
 
 constexpr const char* usage =
     "orvane-bake INPUT EDIT.json OUTPUT [--quality N] [--long-edge N] [--png16]\n"
-    "            [--metadata keep|stripLocation|stripAll] [--lut FILE.cube] [--time]\n"
+    "            [--metadata keep|stripLocation|stripAll] [--lut FILE.cube]\n"
+    "            [--time] [--passes]\n"
     "\n"
     "Bakes an edit into a new file, as the editor's export does. The format follows OUTPUT's\n"
     "extension: jpg, png, heic or tiff. Quality is 0 to 100 (90 when not given). --time prints "
     "the\n"
-    "milliseconds of decoding, of drawing up the recipe with its intermediates, and of encoding.\n";
+    "milliseconds of decoding, of drawing up the recipe with its intermediates, and of encoding,\n"
+    "--passes those of each pass over the picture.\n";
 
 struct Arguments {
     std::string input;

@@ -185,8 +185,8 @@ public:
         if (!m_detail) { // a turned frame is larger than the cell
             const CGRect whole = picture.extent();
             const double fit = std::min(cellWidth / whole.width(), m_height / whole.height());
-            picture = Geometry::resized(picture,
-                                        int(fit * std::max(whole.width(), whole.height()) + 0.5));
+            picture = Geometry::resized(
+                picture, int(std::lround(fit * std::max(whole.width(), whole.height()))));
         }
         const CGRect frame = picture.extent();
         CGPoint corner = frame.origin;

@@ -55,7 +55,7 @@ const std::string& cubeText()
         char line[64];
         for (int i = 0; i < 64 * 64 * 64; ++i) {
             std::snprintf(line, sizeof line, "%.6f %.6f %.6f\n", std::pow(i % 64 / 63.0, 1.1),
-                          i / 64 % 64 / 63.0, i / 4096 / 63.0);
+                          double(i / 64 % 64) / 63, double(i / 4096) / 63);
             lines += line;
         }
         return lines;
@@ -85,8 +85,10 @@ CIImage ramp()
 CIImage healed(const CIImage& image, int count)
 {
     std::vector<HealSpot> spots;
+    spots.reserve(size_t(count));
     for (int i = 0; i < count; ++i)
-        spots.push_back({.x = 0.05 + 0.045 * (i % 20), .y = 0.05 + 0.09 * (i / 20), .r = 0.008});
+        spots.push_back(
+            {.x = 0.05 + 0.045 * (i % 20), .y = 0.05 + 0.09 * double(i / 20), .r = 0.008});
     return Heal::apply(image, spots);
 }
 
@@ -120,7 +122,7 @@ constexpr Row rows[] = {
     {"pointwise/colorCurves-256", throughCurves},
     {"pointwise/colorCube-64", throughCube},
     {"pointwise/falseColor", [](const CIImage& i) { return CIFilter::falseColor(i, {0.1, 0.1, 0.3, 1}, {0.9, 0.8, 0.6, 1}); }},
-    {"pointwise/vignetteEffect", [](const CIImage& i) { return CIFilter::vignetteEffect(i, {width / 2, height / 2}, 900, 0.5, 0.5); }},
+    {"pointwise/vignetteEffect", [](const CIImage& i) { return CIFilter::vignetteEffect(i, {width / 2.0, height / 2.0}, 900, 0.5, 0.5); }},
     {"pointwise/dissolveTransition", [](const CIImage& i) { return CIFilter::dissolveTransition(i, CIFilter::exposureAdjust(i, 1), 0.3); }},
     {"pointwise/screenBlendMode", [](const CIImage& i) { return CIFilter::screenBlendMode(CIFilter::exposureAdjust(i, -2), i); }},
     {"pointwise/maximumCompositing", [](const CIImage& i) { return CIFilter::maximumCompositing(ramp(), i); }},
@@ -149,7 +151,7 @@ constexpr Row rows[] = {
     {"resample/perspective", [](const CIImage& i) { return CIFilter::perspectiveTransform(i, {{60, 1200}, {1540, 1200}, {width, 0}, {0, 0}}); }},
     {"resample/lens", [](const CIImage& i) { return Kernels::lens(i, -0.12, 0.06); }},
     {"resample/lanczos-half", [](const CIImage& i) { return CIFilter::lanczosScaleTransform(i, 0.5); }},
-    {"resample/lanczos-double", [](const CIImage& i) { return CIFilter::lanczosScaleTransform(i.cropped({0, 0, width / 2, height / 2}), 2); }},
+    {"resample/lanczos-double", [](const CIImage& i) { return CIFilter::lanczosScaleTransform(i.cropped({0, 0, width / 2.0, height / 2.0}), 2); }},
     {"local/heal-10", [](const CIImage& i) { return healed(i, 10); }},
     {"local/heal-200", [](const CIImage& i) { return healed(i, 200); }},
     {"local/text", [](const CIImage& i) { return TextLayers::draw({{.text = "Late light\nover the wood", .size = 0.05, .red = 1, .font = {}, .shadow = true}}, i); }},

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace orvane {
 
@@ -62,7 +63,7 @@ std::vector<float> coverage(GlyphPainter& ink, const Placement& placement, int w
     cairo_surface_flush(surface.get());
     const unsigned char* data = cairo_image_surface_get_data(surface.get());
     if (!data || cairo_status(context.get()) != CAIRO_STATUS_SUCCESS)
-        return values;
+        throw std::bad_alloc();
     const int stride = cairo_image_surface_get_stride(surface.get());
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x)

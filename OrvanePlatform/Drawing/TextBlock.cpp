@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 
 namespace orvane {
 
@@ -136,8 +137,9 @@ PlacedBitmap TextBlock::drawn(CGPoint centre, int width, int height, const CICol
             glyphs.paint(context.get(), piece.width(), piece.height(),
                          {placement.scale, placement.x - x, placement.y - y}, paint);
             cairo_surface_flush(surface.get());
+            // Memory is all that it can lack; an empty drawing would be remembered as the text.
             if (cairo_status(context.get()) != CAIRO_STATUS_SUCCESS)
-                return {};
+                throw std::bad_alloc();
         }
     }
     for (int y = 0; y < rect.height(); ++y)

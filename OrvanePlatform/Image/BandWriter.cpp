@@ -103,7 +103,15 @@ ThreadPool::Step BandWriter::writeNext()
     Band& band = m_bands.front();
     lock.unlock();
     const auto start = std::chrono::steady_clock::now();
-    Result<void> written = m_sink.writeRows(band.pixels.data(), band.rect.height(), m_rowBytes);
+    Result<void> written;
+    try {
+        written = m_sink.writeRows(band.pixels.data(), band.rect.height(), m_rowBytes);
+    } catch (...) {
+        lock.lock();
+        m_writing = false;
+        m_stopped = true;
+        throw;
+    }
     const std::chrono::duration<double, std::milli> spent =
         std::chrono::steady_clock::now() - start;
     lock.lock();

@@ -43,8 +43,8 @@ struct PassStatistics {
 
 /// What one draw did: for tests, benchmarks and the curious.
 struct DrawStatistics {
-    int passes = 0; ///< fused walks over an image, those of reduced blurs included
-    int storedImages = 0; ///< intermediates drawn into memory
+    int passes = 0; ///< fused walks over an image; the blurs of reduced ones are not counted
+    int storedImages = 0; ///< intermediates drawn into memory; averages are not counted
     int reusedImages = 0; ///< intermediates taken from the cache
     size_t peakStoredBytes = 0;
     std::vector<PassStatistics> passTimes;

@@ -85,6 +85,7 @@ Drawing::Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
     , m_pool(pool)
     , m_cache(cache)
     , m_stored(m_plan.stored.size())
+    , m_keys(m_plan.stored.size())
     , m_passes(m_plan.passes.size())
     , m_arenas(size_t(pool.slots()))
 {
@@ -103,8 +104,10 @@ bool Drawing::drawsPicture(const ScheduledRows& rows) const
 
 /// What a stored image's samples follow from: its recipe, and which of the images it was drawn from
 /// were stored, and so rounded, themselves.
-Digest Drawing::key(size_t stored) const
+const Digest& Drawing::key(size_t stored)
 {
+    if (m_keys[stored])
+        return *m_keys[stored];
     const StoredPlan& planned = m_plan.stored[stored];
     DigestBuilder digest;
     digest.add(planned.node->digest).add(uint64_t(planned.form)).add(uint64_t(m_format));
@@ -115,7 +118,8 @@ Digest Drawing::key(size_t stored) const
                 digest.add(key(size_t(step.stored)));
         }
     }
-    return digest.digest();
+    m_keys[stored] = digest.digest();
+    return *m_keys[stored];
 }
 
 std::vector<bool> Drawing::findKept()
@@ -156,7 +160,7 @@ void Drawing::allocate(size_t stored)
     m_statistics.storedImages += planned.form != Form::Averages;
 }
 
-/// Keeps what is complete for later draws, and lets go of what no later step reads.
+/// Lets go of what no later step reads.
 void Drawing::release(size_t step)
 {
     for (size_t i = 0; i < m_stored.size(); ++i) {

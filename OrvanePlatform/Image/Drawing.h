@@ -10,6 +10,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace orvane {
@@ -39,7 +40,7 @@ private:
     };
 
     bool cancelled() const;
-    Digest key(size_t stored) const;
+    const Digest& key(size_t stored);
     std::vector<bool> findKept();
     void allocate(size_t stored);
     void release(size_t step);
@@ -57,6 +58,7 @@ private:
     ThreadPool& m_pool;
     IntermediateCache& m_cache;
     std::vector<std::shared_ptr<StoredImage>> m_stored;
+    std::vector<std::optional<Digest>> m_keys; ///< by stored image, as they are asked for
     std::vector<Pass> m_passes;
     std::vector<TileArena> m_arenas; ///< by worker
     std::mutex m_countsMutex;

@@ -230,7 +230,7 @@ private:
         StoredPlan stored;
         stored.node = &node;
         stored.form = form;
-        stored.exact = m_exact.count(node.digest) > 0;
+        stored.exact = m_exact.count(node.digest) > 0 || isKeptReduction(node);
         if (form == StoredPlan::Form::ReducedBlur) {
             stored.factor = blurReduction(node.as<GaussianNode>()->sigma);
             stored.averages = storedAverages(node, stored.factor);
@@ -306,6 +306,14 @@ private:
                             [&](const PlanPass& pass) { return pass.target == stored; });
     }
 
+    /// What is only stored because of an image that is kept must not be rounded either.
+    bool store(const Node& node)
+    {
+        if (!m_exact.empty())
+            m_exact.insert(node.digest);
+        return m_whole.insert(node.digest).second;
+    }
+
     // ---- Rule 4 ----
 
     bool storeShared()
@@ -322,7 +330,7 @@ private:
             for (auto step = pass->steps.rbegin(); step != pass->steps.rend(); ++step) {
                 if (step->stored < 0 && passesOf[step->node->digest] > 1
                     && worthStoring(*step->node)) {
-                    m_whole.insert(step->node->digest);
+                    store(*step->node);
                     return true;
                 }
             }
@@ -393,7 +401,7 @@ private:
             return false;
         if (requests[index].area() <= windowLimit * needed[index])
             return false;
-        return m_whole.insert(input->node->digest).second;
+        return store(*input->node);
     }
 
     // ---- Rule 5 ----
@@ -436,7 +444,7 @@ private:
             const PlanStep& step = pass.steps[i];
             if (step.stored < 0 && step.readers > 1 && worthStoring(*step.node)
                 && requests[i].area() > farLimit * wanted[i])
-                return m_whole.insert(step.node->digest).second;
+                return store(*step.node);
         }
         return false;
     }

@@ -46,7 +46,12 @@ RowGroups::RowGroups(const PlanPass& pass)
 
 TilePlanes PointwiseRuns::zeros(const PixelRect& rect)
 {
-    m_zeros.resize(std::max(m_zeros.size(), size_t(rect.width() + rowPadding)), 0.0f);
+    const size_t size = size_t(rect.width() + rowPadding);
+    if (m_zeros.size() < size) {
+        // Those who wait may read the row that is about to move.
+        flush();
+        m_zeros.assign(size, 0.0f);
+    }
     TilePlanes planes;
     planes.rect = rect;
     for (float*& plane : planes.plane)

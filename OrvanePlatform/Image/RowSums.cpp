@@ -75,26 +75,6 @@ void convolveDownRun(const RowBlock& in, const RowBlock& out, int count, int row
     }
 }
 
-void sumRowsRun(const float* first, std::ptrdiff_t stride, const float* weights, int rows,
-                float* out, int count)
-{
-    const int n = int(Lanes::count());
-    for (int i = 0; i < count; i += 2 * n) {
-        // The second vector may lie past the row's padding; then it is the first once more.
-        const int second = i + n < count ? n : 0;
-        Lanes a(0.0f);
-        Lanes b(0.0f);
-        for (int k = 0; k < rows; ++k) {
-            const float* p = first + k * stride + i;
-            const Lanes weight(weights[k]);
-            a = mulAdd(Lanes::load(p), weight, a);
-            b = mulAdd(Lanes::load(p + second), weight, b);
-        }
-        b.store(out + i + second);
-        a.store(out + i);
-    }
-}
-
 HWY_INLINE Lanes halved(Lanes a, Lanes b, Lanes c, Lanes d)
 {
     return mulAdd(b + c, Lanes(0.375f), (a + d) * Lanes(0.125f));
@@ -155,7 +135,6 @@ namespace orvane {
 
 HWY_EXPORT(convolveAcrossRun);
 HWY_EXPORT(convolveDownRun);
-HWY_EXPORT(sumRowsRun);
 HWY_EXPORT(halveDownRun);
 HWY_EXPORT(halveAcrossRun);
 HWY_EXPORT(doubleDownRun);
@@ -170,12 +149,6 @@ void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
                   const float* weights, int reach)
 {
     HWY_DYNAMIC_DISPATCH(convolveDownRun)(in, out, count, rows, weights, reach);
-}
-
-void sumRows(const float* first, std::ptrdiff_t stride, const float* weights, int rows, float* out,
-             int count)
-{
-    HWY_DYNAMIC_DISPATCH(sumRowsRun)(first, stride, weights, rows, out, count);
 }
 
 void halveDown(const float* first, std::ptrdiff_t stride, float* out, int count)

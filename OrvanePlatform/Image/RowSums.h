@@ -20,10 +20,6 @@ struct RowBlock {
 /// that the first of `out` lies over.
 void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
                   const float* weights, int reach);
-/// out[x] = sum of weights[k] of the row k strides after the first, k below `rows`.
-void sumRows(const float* first, std::ptrdiff_t stride, const float* weights, int rows, float* out,
-             int count);
-
 /// out = (1 3 3 1) / 8 of four rows, `stride` apart.
 void halveDown(const float* first, std::ptrdiff_t stride, float* out, int count);
 /// out[i] = (1 3 3 1) / 8 of in[2 i] .. in[2 i + 3].

@@ -61,7 +61,7 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WarpNode&
         return coveringPlanes({}, rect, m_arena);
     const PixelRect reach =
         roundedOutward(node.kernel->region(node.parameters.record.data(), rect).inset(-1.5, -1.5));
-    const bool inside = step.node->inputs[0]->extent.contains(reach);
+    const bool inside = !reach.isEmpty() && step.node->inputs[0]->extent.contains(reach);
     TilePlanes out = m_arena.planes(rect, inside && drawn.planes.opaque());
     const BilinearWindow window(drawn.planes, reach, m_arena);
     constexpr int run = BilinearWindow::longestRun;

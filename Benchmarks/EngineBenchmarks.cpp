@@ -54,8 +54,10 @@ const std::string& cubeText()
         std::string lines = "LUT_3D_SIZE 64\n";
         char line[64];
         for (int i = 0; i < 64 * 64 * 64; ++i) {
+            const int green = i / 64 % 64;
+            const int blue = i / 4096;
             std::snprintf(line, sizeof line, "%.6f %.6f %.6f\n", std::pow(i % 64 / 63.0, 1.1),
-                          double(i / 64 % 64) / 63, double(i / 4096) / 63);
+                          green / 63.0, blue / 63.0);
             lines += line;
         }
         return lines;
@@ -86,9 +88,10 @@ CIImage healed(const CIImage& image, int count)
 {
     std::vector<HealSpot> spots;
     spots.reserve(size_t(count));
-    for (int i = 0; i < count; ++i)
-        spots.push_back(
-            {.x = 0.05 + 0.045 * (i % 20), .y = 0.05 + 0.09 * double(i / 20), .r = 0.008});
+    for (int i = 0; i < count; ++i) {
+        const int row = i / 20;
+        spots.push_back({.x = 0.05 + 0.045 * (i % 20), .y = 0.05 + 0.09 * row, .r = 0.008});
+    }
     return Heal::apply(image, spots);
 }
 

@@ -11,8 +11,7 @@
 //   5. a patch of a picture reads the same picture somewhere else (a healed spot): a tile there
 //      would draw all that lies between the two;
 //   6. intermediates are kept for later draws: a scaling that reduces its input is stored, so that
-//   a
-//      preview's small copy of a large picture is drawn once and not with every change of a slider;
+//      a preview's small copy of a large picture is drawn once, not with every change of a slider;
 //      and in each pass the step behind which only pointwise steps follow, so that a change of a
 //      late slider runs those alone.
 // Rules 1, 4 and 5 never store what is read straight from a source (through moves, flips, crops and

@@ -1,5 +1,7 @@
 #include "AtomicFile.h"
 
+#include "FileSystem.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -9,6 +11,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,63 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string quoted(const fs::path& path)
-{
-    return "“" + path.string() + "”";
-}
-
-/// The folder that a name without one is in, too.
-fs::path folderOf(const fs::path& path)
-{
-    return path.has_parent_path() ? path.parent_path() : fs::path(".");
-}
-
-Error saveError(const fs::path& target, const std::string& reason)
-{
-    return {quoted(target.filename()) + " couldn't be saved because " + reason + "."};
-}
-
-/// An errno from writing as the reason that a person can do something about.
-std::string writeReason(int code, const fs::path& target)
-{
-    const std::string folder = quoted(folderOf(target));
-    switch (code) {
-    case ENOSPC:
-    case EDQUOT:
-        return "there is no space left in the folder " + folder;
-    case EACCES:
-    case EPERM:
-        return "you don't have permission to write in the folder " + folder;
-    case EROFS:
-        return "the folder " + folder + " is on a disk that can only be read";
-    case ENOENT:
-    case ENOTDIR:
-        return "the folder " + folder + " doesn't exist";
-    case ENAMETOOLONG:
-        return "its name is too long";
-    case EFBIG:
-        return "the file would be larger than the disk in use allows";
-    case EIO:
-        return "the disk of the folder " + folder + " reported an error";
-    default:
-        return "of an error of the system (" + std::generic_category().message(code) + ")";
-    }
-}
-
-/// The end of a chain of symbolic links; it need not exist. Absent for a chain that has no end.
-Result<fs::path> linksFollowed(const fs::path& target)
-{
-    fs::path path = target;
-    std::error_code none;
-    for (int links = 0; fs::is_symlink(fs::symlink_status(path, none)); ++links) {
-        // 40 is the length at which the kernel itself gives up.
-        if (links == 40)
-            return saveError(target, "its links lead in a circle");
-        const fs::path next = fs::read_symlink(path, none);
-        path = next.is_absolute() ? next : folderOf(path) / next;
-    }
-    return path;
-}
+constexpr std::string_view temporaryPrefix = ".orvane-";
 
 /// Creates a file of a fresh name beside the target and answers its descriptor, or -1 with errno.
 /// The name is short, so that a target with a name of the greatest length has room for it too.
@@ -83,23 +30,16 @@ int openTemporary(const fs::path& target, fs::path& temporary)
     static std::atomic<unsigned> counter = std::random_device()();
     int descriptor = -1;
     do {
-        const std::string name =
-            ".orvane-" + std::to_string(::getpid()) + "-" + std::to_string(counter++);
+        const std::string name = std::string(temporaryPrefix) + std::to_string(::getpid()) + "-"
+            + std::to_string(counter++);
         temporary = folderOf(target) / name;
         descriptor = ::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     } while (descriptor < 0 && (errno == EEXIST || errno == EINTR));
+    // Held until the file is closed, also by a crash: so a temporary file without a lock has lost
+    // its writer. Not every file system has locks; then none is ever taken for abandoned.
+    if (descriptor >= 0)
+        ::flock(descriptor, LOCK_EX | LOCK_NB);
     return descriptor;
-}
-
-/// Makes the rename itself durable. File systems that cannot do this for a folder say EINVAL.
-int syncFolder(const fs::path& folder)
-{
-    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return errno == EACCES ? 0 : errno;
-    const int code = ::fsync(descriptor) == 0 || errno == EINVAL ? 0 : errno;
-    ::close(descriptor);
-    return code;
 }
 
 } // namespace
@@ -129,6 +69,7 @@ Result<AtomicFile> AtomicFile::create(const fs::path& target)
     // Some file systems keep no bits: a failure here is no reason to lose the content.
     if (replaces)
         ::fchmod(file.m_descriptor, old.st_mode & 0777);
+    fileStep("temporary file made");
     return file;
 }
 
@@ -168,6 +109,7 @@ Result<void> AtomicFile::write(const void* data, size_t size)
             return failure(errno);
         bytes += written;
         size -= size_t(written);
+        fileStep("bytes written");
     }
     return {};
 }
@@ -180,14 +122,17 @@ Result<void> AtomicFile::commit()
         cancel();
         return error;
     }
+    fileStep("bytes on disk");
     if (::close(std::exchange(m_descriptor, -1)) != 0
         || ::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
         const Error error = failure(errno);
         ::unlink(m_temporary.c_str());
         return error;
     }
+    fileStep("exchanged");
     if (const int code = syncFolder(folderOf(m_target)); code != 0)
         return failure(code);
+    fileStep("exchange on disk");
     return {};
 }
 
@@ -209,7 +154,9 @@ Result<void> writeFile(const fs::path& target, std::string_view bytes)
     return file->commit();
 }
 
-Result<std::vector<uint8_t>> readFile(const fs::path& path, size_t maxBytes)
+namespace {
+
+template <class Bytes> Result<Bytes> contentOf(const fs::path& path, size_t maxBytes)
 {
     const auto failure = [&](const std::string& reason) {
         return Error{quoted(path.filename()) + " couldn't be opened because " + reason + "."};
@@ -237,7 +184,7 @@ Result<std::vector<uint8_t>> readFile(const fs::path& path, size_t maxBytes)
         return tooLarge;
 
     // One byte more than the stated size, so that the end is seen; a file may grow meanwhile.
-    std::vector<uint8_t> bytes(size_t(status.st_size) + 1);
+    Bytes bytes(size_t(status.st_size) + 1, 0);
     size_t filled = 0;
     while (true) {
         const ssize_t got = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
@@ -256,6 +203,35 @@ Result<std::vector<uint8_t>> readFile(const fs::path& path, size_t maxBytes)
     }
     bytes.resize(filled);
     return bytes;
+}
+
+} // namespace
+
+Result<std::vector<uint8_t>> readFile(const fs::path& path, size_t maxBytes)
+{
+    return contentOf<std::vector<uint8_t>>(path, maxBytes);
+}
+
+Result<std::string> readTextFile(const fs::path& path, size_t maxBytes)
+{
+    return contentOf<std::string>(path, maxBytes);
+}
+
+void removeAbandonedTemporaries(const fs::path& folder)
+{
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        const fs::path& path = entry->path();
+        if (!path.filename().native().starts_with(temporaryPrefix))
+            continue;
+        const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+        if (descriptor < 0)
+            continue;
+        if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+            ::unlink(path.c_str());
+        ::close(descriptor);
+    }
 }
 
 } // namespace orvane

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -54,5 +55,9 @@ Result<void> writeFile(const std::filesystem::path& target, std::string_view byt
 
 /// The whole content of a file; an error when it is larger than maxBytes or is no regular file.
 Result<std::vector<uint8_t>> readFile(const std::filesystem::path& path, size_t maxBytes);
+Result<std::string> readTextFile(const std::filesystem::path& path, size_t maxBytes);
+
+/// Removes the temporary files in a folder whose writer was killed before it could.
+void removeAbandonedTemporaries(const std::filesystem::path& folder);
 
 } // namespace orvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Result.h"
+#include "UTF8.h"
 
 #include <concepts>
 #include <cstddef>
@@ -86,10 +87,6 @@ private:
     // In the order of Kind.
     std::variant<std::monostate, bool, double, std::string, Array, Object> m_content;
 };
-
-/// Whether the bytes are well-formed UTF-8: no overlong forms, no surrogates, nothing past
-/// U+10FFFF.
-bool isUTF8(std::string_view text);
 
 /// The place of a value inside a JSON text, as people write it: "lights[2].radius".
 class JSONPath {

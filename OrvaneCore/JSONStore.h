@@ -1,0 +1,120 @@
+#pragma once
+
+#include "JSONCoding.h"
+#include "Result.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+/// The one way in which the small JSON files are read and written. What it promises: a store that
+/// cannot be read is never replaced without a word, and a crash leaves the old store or the new
+/// one, whole.
+///
+/// Beside a store "edits.json" there may be
+///
+///     edits.json.bak      its bytes before the last save
+///     edits.json.corrupt  a file that could not be decoded, moved aside; the last such
+///     edits.json.moved    empty; while a damaged store is aside and the save that replaces it has
+///                         not come to its end
+///
+/// A store may be a symbolic link: the file that it points to is read, written and moved aside, and
+/// the link stays. To show a store: load(), then value or empty. To change it: loadForUpdate()
+/// first, and only if that did not fail, save().
+///
+/// No state is kept here, and nothing guards two writers of one file.
+namespace orvane::JSONStore {
+
+/// What reading a store came to. Ok: the file decoded. Recovered: its backup did, the file did not.
+/// Unreadable: it is there, and neither does. Missing: there is no such file.
+enum class LoadKind { Ok, Recovered, Unreadable, Missing };
+
+template <class T> struct Load {
+    LoadKind kind = LoadKind::Missing;
+    T value{}; ///< of Ok and Recovered
+    Error error; ///< of Unreadable: what is wrong with the file itself, not with its backup
+
+    bool hasValue() const { return kind == LoadKind::Ok || kind == LoadKind::Recovered; }
+};
+
+/// The error of a save that would replace a file which nobody can read.
+Error wouldOverwriteUnreadable(const std::filesystem::path& url);
+
+// The same for texts; the templates below put values in their place. ------------------------------
+
+/// The bytes of a store, Ok, Unreadable or Missing.
+Load<std::string> readText(const std::filesystem::path& url);
+/// Whether a damaged store was moved aside and the save that replaces it never came to its end.
+bool isRecovering(const std::filesystem::path& url);
+std::filesystem::path markOf(const std::filesystem::path& url);
+std::filesystem::path backupOf(const std::filesystem::path& url);
+/// Moves the store to ".corrupt" in the place of an earlier one. With `recovering`, load() finds
+/// the backup until the next save.
+enum class MoveReason { Recovering, Unreadable };
+Result<void> moveAside(const std::filesystem::path& url, MoveReason reason);
+/// Keeps the old bytes as the backup, then puts the text in the store's place.
+Result<void> saveText(std::string_view text, const std::filesystem::path& url);
+
+// -------------------------------------------------------------------------------------------------
+
+/// The file alone: Ok, Unreadable or Missing.
+template <class T> Load<T> decode(const std::filesystem::path& url)
+{
+    Load<std::string> text = readText(url);
+    if (text.kind != LoadKind::Ok)
+        return {text.kind, T{}, std::move(text.error)};
+    Result<T> value = decodedText<T>(text.value);
+    if (!value)
+        return {LoadKind::Unreadable, T{}, value.error()};
+    return {LoadKind::Ok, std::move(*value), {}};
+}
+
+/// The file, or its backup when it is damaged. Never writes.
+template <class T> Load<T> load(const std::filesystem::path& url)
+{
+    Load<T> file = decode<T>(url);
+    // A file that is simply not there is missing, whatever backup there is.
+    if (file.kind == LoadKind::Ok || (file.kind == LoadKind::Missing && !isRecovering(url)))
+        return file;
+    Load<T> backup = decode<T>(backupOf(url));
+    if (backup.kind != LoadKind::Ok)
+        return file;
+    backup.kind = LoadKind::Recovered;
+    return backup;
+}
+
+/// The value to build a save on. A file that cannot be decoded is moved aside; when its backup
+/// cannot be decoded either, the error is wouldOverwriteUnreadable(), and the next attempt starts
+/// from `empty`.
+template <class T> Result<T> loadForUpdate(const std::filesystem::path& url, T empty)
+{
+    Load<T> loaded = load<T>(url);
+    switch (loaded.kind) {
+    case LoadKind::Ok:
+        return std::move(loaded.value);
+    case LoadKind::Missing:
+        return empty;
+    case LoadKind::Recovered:
+        if (Result<void> moved = moveAside(url, MoveReason::Recovering); !moved)
+            return moved.error();
+        return std::move(loaded.value);
+    case LoadKind::Unreadable:
+        break;
+    }
+    // Whether this works or not, the answer is the same; where it does not, the file stays.
+    (void)moveAside(url, MoveReason::Unreadable);
+    return wouldOverwriteUnreadable(url);
+}
+
+/// Fails, with no file touched, on a value that cannot be encoded; and as files fail.
+template <class T> Result<void> save(const T& value, const std::filesystem::path& url)
+{
+    const Result<std::string> text = encoded(value);
+    if (!text)
+        return text.error();
+    return saveText(*text, url);
+}
+
+} // namespace orvane::JSONStore

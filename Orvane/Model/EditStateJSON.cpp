@@ -4,7 +4,7 @@ namespace orvane {
 
 /// A pair of numbers, [x, y].
 template <> struct JSONCoding<CGPoint> {
-    static bool read(JSONReader& reader, const JSON& json, CGPoint& point)
+    static bool read(JSONReader& reader, const JSONView& json, CGPoint& point)
     {
         std::vector<double> pair;
         if (!JSONCoding<std::vector<double>>::read(reader, json, pair))
@@ -19,7 +19,7 @@ template <> struct JSONCoding<CGPoint> {
 
 /// The origin and the size, [[x, y], [width, height]].
 template <> struct JSONCoding<CGRect> {
-    static bool read(JSONReader& reader, const JSON& json, CGRect& rect)
+    static bool read(JSONReader& reader, const JSONView& json, CGRect& rect)
     {
         std::vector<CGPoint> corners;
         if (!JSONCoding<std::vector<CGPoint>>::read(reader, json, corners))
@@ -105,11 +105,11 @@ void fieldsOf(auto& field, auto& state)
 
 } // namespace
 
-bool JSONCoding<EditState>::read(JSONReader& reader, const JSON& json, EditState& state)
+bool JSONCoding<EditState>::read(JSONReader& reader, const JSONView& json, EditState& state)
 {
-    if (!json.object())
+    if (!json.isObject())
         return reader.expected("an object");
-    JSONFieldReader field(reader, *json.object());
+    JSONFieldReader field(reader, json);
     fieldsOf(field, state);
     return reader.ok();
 }

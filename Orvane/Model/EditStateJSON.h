@@ -8,7 +8,7 @@ namespace orvane {
 /// The stored form of an edit: an object of exactly the sixteen fields, each a required read. The
 /// defaults of a new state never fill a gap in a file.
 template <> struct JSONCoding<EditState> {
-    static bool read(JSONReader& reader, const JSON& json, EditState& state);
+    static bool read(JSONReader& reader, const JSONView& json, EditState& state);
     static JSON written(const EditState& state);
 };
 

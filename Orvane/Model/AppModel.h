@@ -1,0 +1,242 @@
+#pragma once
+
+#include "AppModelFields.h"
+#include "Desktop.h"
+#include "EditStateJSON.h"
+#include "JSONMapStore.h"
+#include "LatestJob.h"
+#include "LutStore.h"
+#include "PhotoSource.h"
+#include "SessionRules.h"
+
+#include <array>
+#include <functional>
+#include <string_view>
+
+namespace orvane {
+
+/// The editor: the open set of images, the edit of the active one, and every operation on them. The
+/// window reads its fields and calls it. Main thread only; background work takes values out and
+/// comes back as one message.
+///
+/// While an image is active its edit is in the fields here; `session` holds the parked copies.
+class AppModel : public AppModelFields {
+public:
+    using Light = EditState::Light;
+    using TextLayer = EditState::TextLayer;
+    using CurvePoint = EditState::CurvePoint;
+    using Levels = EditState::Levels;
+    using AdjustGroup = Schema::File::Group;
+    using AdjustKey = Schema::File::Key;
+    using SessionItem = SessionRules::Item<EditState>;
+
+    /// What the model stands on; borrowed, and outlives it.
+    struct Surroundings {
+        Desktop& desktop;
+        std::filesystem::path supportFolder; ///< holds the stores; made when it is not there
+        PhotoSource* photos = nullptr; ///< without one the photo library is empty
+        std::function<double()> now = {}; ///< seconds since 1970; the wall clock by default
+    };
+
+    /// Reads the stores of looks and collections; what cannot be read is empty here and stays on
+    /// the disk as it is.
+    explicit AppModel(Surroundings surroundings);
+    ~AppModel();
+    AppModel(const AppModel&) = delete;
+    AppModel& operator=(const AppModel&) = delete;
+
+    /// Extensions that every open panel takes besides the general picture formats.
+    static constexpr std::array<std::string_view, 11> rawExtensions = {
+        "dng", "nef", "orf", "cr2", "cr3", "arw", "raf", "rw2", "srw", "pef", "raw"};
+    static constexpr std::string_view feedbackURL = "https://orvane.example/feedback?app=orvane";
+    static constexpr std::string_view websiteURL = "https://orvane.example/";
+    static const std::string version;
+
+    // ---- The open set -------------------------------------------------------------------------
+
+    /// Each image's id and name, in order.
+    std::vector<LookItem> images() const;
+    /// By the image's id; images without a thumbnail have no entry.
+    std::map<std::string, Thumbnail> imageThumbs() const;
+    /// The active image's name, else the first one's, else "this image".
+    std::string activeName() const;
+    /// The active image's file, if it has one and that is still there.
+    std::optional<std::filesystem::path> activeFileURL() const;
+
+    /// The active image's edit, gathered from the fields.
+    EditState editState() const;
+    /// Writes the edit into the fields. History, the selected light and the session stay.
+    void restore(const EditState& state);
+    /// Copies the active image's edit into the session and draws its thumbnail anew.
+    void parkActiveState();
+    /// Makes an image the active one. Without parkingCurrent, what the fields hold is dropped.
+    void activate(const std::string& id, bool parkingCurrent);
+    /// Finishes the tool in use; what it did stands.
+    void endActiveTool();
+    /// Forgets the tool in use.
+    void resetTools();
+    /// The open panel, then the files. Without `append` they replace the open set, after a question
+    /// when there is unsaved work.
+    void openImage(bool append);
+    void showInTitleBar(const std::filesystem::path& file);
+    /// The image's thumbnail with its parked edit; null when nothing can be drawn.
+    Thumbnail renderThumb(const EditImage& image) const;
+    /// The active image's pixels straightened, cropped and on their canvas, ungraded.
+    std::optional<CIImage> geometrySource() const;
+    /// A modal alert about a failure.
+    void report(const std::string& title, const Error& error);
+
+    // ---- Images in and out --------------------------------------------------------------------
+
+    /// Takes images into the session, with the edits that are stored for their sources. Without
+    /// `append` they replace it. What does not decode is left out.
+    void adoptIntoSession(std::vector<IncomingImage> incoming, bool append);
+    /// Reads and decodes files; tells of those that are no pictures.
+    std::vector<IncomingImage> readImageFiles(const std::vector<std::filesystem::path>& files);
+    void addPhotos(const std::vector<std::string>& identifiers);
+    void importFromPhotos();
+    void pasteImage();
+    void duplicateImage();
+    /// Stores the image's edit or asks, as SessionRules::removal() tells, and takes it out.
+    void removeImage(const std::string& id);
+    void revealOriginal();
+    /// The active image's edit, as the style that is applied from now on.
+    void copyStyle();
+    /// A style is the grade: sliders, curves and LUT.
+    void applyStyle();
+    void applyStyleToAll();
+
+    // ---- Saving -------------------------------------------------------------------------------
+
+    /// One item for each image, in order, with its true edit.
+    std::vector<SessionItem> sessionItems() const;
+    /// Whether the active image's edit differs from an untouched one.
+    bool hasEdits() const;
+    /// Whether there is work that is not stored.
+    bool isDirty() const;
+    /// The name of the one dirty image; absent with none or several.
+    std::optional<std::string> soleDirtyName() const;
+    /// The title of the save command.
+    std::string saveTitle() const;
+    /// Saves to the open collection, or the edits to their store. False when something failed or
+    /// was cancelled.
+    bool saveWork();
+    bool saveAllDirtyImages();
+    bool offerCollectionForVariants();
+    bool autoCreateCollectionForVariants();
+    /// True when the session may be dropped.
+    bool confirmDiscardingWork();
+    bool confirmReplacingSession();
+    /// Title, file and edited mark of the window.
+    void syncWindowChrome();
+
+    // ---- Collections --------------------------------------------------------------------------
+
+    bool saveCollection(const std::string& name);
+    void renameCollection(const Collection& collection, const std::string& name);
+    void deleteCollection(const Collection& collection);
+    /// Opens a collection in the session's place; confirmDiscardingWork() comes before it.
+    void loadSources(const Collection& collection);
+    /// The open collection; absent with none, or when its entry has gone.
+    std::optional<Collection> currentCollection() const;
+
+    // ---- Adjusting ----------------------------------------------------------------------------
+
+    // A push makes one step with others that follow at once, a commit is a step of its own.
+    void pushHistory();
+    void commitHistory();
+    void undo();
+    void redo();
+    void jumpHistory(int index);
+    /// What each entry of the timeline changed, oldest first.
+    std::vector<std::string> historySteps() const;
+
+    void setAdjust(const std::string& key, double value);
+    void setLevels(const std::string& key, double value);
+    Levels levels() const;
+    void resetLevels();
+    void resetGroup(const std::vector<AdjustKey>& keys);
+    /// Coordinates are held to 0..255, and the points sorted by x.
+    void setCurve(const std::string& channel, std::vector<CurvePoint> points);
+    void clearCurves();
+    /// Replaces all sliders and curves: the given values over the catalogue's defaults.
+    void applyGrade(const AdjustMap& values, const CurveMap& curves);
+    void applyLook(const std::string& id);
+    void makeItPop();
+    void setLookStrength(double strength);
+    bool canAdjustLookStrength() const { return lastLook.value().has_value(); }
+    void revertAllEdits();
+    /// Fits the looks to the active image and draws their previews, in the background.
+    void refreshLookThumbs();
+    /// Whether looks are being drawn.
+    bool isFittingLooks() const { return m_lookJob.isRunning(); }
+
+    // ---- Saved looks and LUTs -----------------------------------------------------------------
+
+    std::vector<LookItem> savedLooks() const;
+    void saveLook(const std::string& name);
+    void applySavedLook(const std::string& id);
+    void removeSavedLook(const std::string& id);
+    void importLut();
+    void removeLut();
+    /// Loads what a lutID names into ciLUT, lutName and lutMissing.
+    void ensureLut(const std::string& id);
+    /// Of the parked edits: park first.
+    bool sessionHasMissingLut() const;
+
+    // ---- Crop and relight ---------------------------------------------------------------------
+
+    /// Leaves the crop tool; a changed crop becomes one step.
+    void finishCrop();
+    /// Leaves the relight tool; lights and steps stay.
+    void exitRelight();
+
+private:
+    /// An edit on its way to the store.
+    struct PendingEdit {
+        std::string id; ///< of its image, as the name
+        std::string name;
+        std::string source;
+        EditState state;
+    };
+
+    double now() const;
+    std::optional<size_t> indexOf(const std::string& id) const;
+    /// Changes a copy of the session and sets it, so that observers are told once.
+    template <class Change> void changeSession(Change change)
+    {
+        std::vector<EditImage> changed = session.value();
+        change(changed);
+        session = std::move(changed);
+    }
+    SessionItem sessionItem(const EditImage& image) const;
+    void showSource(const SourcePixels& pixels);
+    void forgetActiveImage();
+    bool storeEdits(std::vector<PendingEdit> pending);
+    Result<void> storeEdits(const std::map<std::string, EditState>& entries);
+    void makeSupportFolder() const;
+    EditImage adopted(IncomingImage incoming) const;
+    bool mayRemove(EditImage image);
+    void adoptPhotos(std::vector<PhotoSource::Photo> photos, bool append);
+    std::string variantName(const std::string& name) const;
+    void applyGradeOf(const Looks::Look& look);
+
+    Collection collectionOfSession(const std::string& name) const;
+    bool storeCollections(const std::vector<Collection>& changed, const std::string& complaint);
+    void finishLoading(const Collection& collection, std::vector<IncomingImage> incoming);
+    void applyCollectionEdits(const Collection& collection);
+    void reportMissingSources(const Collection& collection, bool partial);
+
+    Surroundings m_surroundings;
+    Desktop& m_desktop;
+    mutable JSONMapStore<EditState> m_edits; ///< by source; lookups are kept in memory
+    CollectionStore m_collectionStore;
+    LooksStore m_looksStore;
+    LutStore m_lutStore;
+    /// Held weakly by what comes back later, so that it finds out when the model has gone.
+    std::shared_ptr<AppModel*> m_alive;
+    std::vector<std::pair<CIImage, size_t>> m_recentSources; ///< with their bytes, newest first
+    LatestJob m_lookJob; ///< last: it is waited for before anything that it reports to goes
+};
+
+} // namespace orvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "JSONDocument.h"
 #include "Result.h"
 #include "UTF8.h"
 
@@ -24,7 +25,7 @@ public:
     enum class Kind { Null, Bool, Number, String, Array, Object };
 
     /// Deeper nesting than this is refused, on reading and on writing.
-    static constexpr size_t maximumDepth = 200;
+    static constexpr size_t maximumDepth = JSONDocument::maximumDepth;
 
     JSON() = default;
     JSON(const JSON&);
@@ -70,9 +71,7 @@ public:
     Array* array() { return std::get_if<Array>(&m_content); }
     Object* object() { return std::get_if<Object>(&m_content); }
 
-    /// Reads one whole text (RFC 8259, UTF-8) and nothing after it. Refused besides: a key that an
-    /// object holds twice, numbers beyond a double's range, nesting beyond maximumDepth. The error
-    /// says what is wrong and at which byte.
+    /// The text as a tree that can be changed; refused is what JSONDocument refuses.
     static Result<JSON> parse(std::string_view text);
 
     /// The shortest text that reads back as this value: no white space, whole numbers without ".0",

@@ -43,23 +43,27 @@ concept HasJSONFields = requires
 /// the reader and answers false.
 template <class T> struct JSONCoding;
 
-/// The value that the JSON holds; the error names the place, as in "lights[2].radius: expected a
-/// number".
-template <class T> Result<T> decoded(const JSON& json)
+/// The value that the text holds; the error names the place, as in "lights[2].radius: expected a
+/// number", or the byte where the text is no JSON.
+template <class T> Result<T> decodedText(std::string_view text)
 {
+    JSONDocument document;
+    const Result<JSONView> root = document.parse(text);
+    if (!root)
+        return root.error();
     JSONReader reader;
     T value{};
-    if (!JSONCoding<T>::read(reader, json, value))
+    if (!JSONCoding<T>::read(reader, *root, value))
         return reader.error();
     return value;
 }
 
-template <class T> Result<T> decodedText(std::string_view text)
+template <class T> Result<T> decoded(const JSON& json)
 {
-    const Result<JSON> json = JSON::parse(text);
-    if (!json)
-        return json.error();
-    return decoded<T>(*json);
+    const Result<std::string> text = json.serialized();
+    if (!text)
+        return text.error();
+    return decodedText<T>(*text);
 }
 
 /// The text of a value; fails where JSON::serialized() does.
@@ -69,44 +73,48 @@ template <class T> Result<std::string> encoded(const T& value)
 }
 
 template <> struct JSONCoding<bool> {
-    static bool read(JSONReader& reader, const JSON& json, bool& value)
+    static bool read(JSONReader& reader, const JSONView& json, bool& value)
     {
-        if (!json.boolean())
+        const std::optional<bool> boolean = json.boolean();
+        if (!boolean)
             return reader.expected("true or false");
-        value = *json.boolean();
+        value = *boolean;
         return true;
     }
     static JSON written(bool value) { return value; }
 };
 
 template <> struct JSONCoding<std::string> {
-    static bool read(JSONReader& reader, const JSON& json, std::string& value)
+    static bool read(JSONReader& reader, const JSONView& json, std::string& value)
     {
-        if (!json.string())
+        std::optional<std::string> text = json.string();
+        if (!text)
             return reader.expected("a text");
-        value = *json.string();
+        value = std::move(*text);
         return true;
     }
     static JSON written(const std::string& value) { return value; }
 };
 
 template <> struct JSONCoding<double> {
-    static bool read(JSONReader& reader, const JSON& json, double& value)
+    static bool read(JSONReader& reader, const JSONView& json, double& value)
     {
-        if (!json.number())
+        const std::optional<double> number = json.number();
+        if (!number)
             return reader.expected("a number");
-        value = *json.number();
+        value = *number;
         return true;
     }
     static JSON written(double value) { return value; }
 };
 
 template <> struct JSONCoding<float> {
-    static bool read(JSONReader& reader, const JSON& json, float& value)
+    static bool read(JSONReader& reader, const JSONView& json, float& value)
     {
-        if (!json.number() || std::abs(*json.number()) > double(std::numeric_limits<float>::max()))
+        const std::optional<double> number = json.number();
+        if (!number || std::abs(*number) > double(std::numeric_limits<float>::max()))
             return reader.expected("a number of single precision");
-        value = float(*json.number());
+        value = float(*number);
         return true;
     }
     /// The double that the float's own shortest digits name: 0.1f is stored as 0.1, not as
@@ -125,9 +133,9 @@ template <> struct JSONCoding<float> {
 
 /// Whole numbers up to 2^53; 3.0 is one, 3.5 and true are not.
 template <std::integral T> struct JSONCoding<T> {
-    static bool read(JSONReader& reader, const JSON& json, T& value)
+    static bool read(JSONReader& reader, const JSONView& json, T& value)
     {
-        const double* number = json.number();
+        const std::optional<double> number = json.number();
         if (!number || *number != std::trunc(*number))
             return reader.expected("a whole number");
         // Below 2^53 the comparison is exact, whatever T is.
@@ -141,16 +149,16 @@ template <std::integral T> struct JSONCoding<T> {
 };
 
 template <class T> struct JSONCoding<std::vector<T>> {
-    static bool read(JSONReader& reader, const JSON& json, std::vector<T>& values)
+    static bool read(JSONReader& reader, const JSONView& json, std::vector<T>& values)
     {
-        const JSON::Array* array = json.array();
-        if (!array)
+        if (!json.isArray())
             return reader.expected("a list");
         values.clear();
-        values.reserve(array->size());
-        for (size_t i = 0; i < array->size(); ++i) {
+        values.reserve(json.count());
+        JSONView element = json.first();
+        for (size_t i = 0; i < json.count(); ++i, element = element.next()) {
             T value{};
-            if (!reader.at(i, [&] { return JSONCoding<T>::read(reader, (*array)[i], value); }))
+            if (!reader.at(i, [&] { return JSONCoding<T>::read(reader, element, value); }))
                 return false;
             values.push_back(std::move(value));
         }
@@ -167,16 +175,16 @@ template <class T> struct JSONCoding<std::vector<T>> {
 };
 
 template <class T> struct JSONCoding<std::map<std::string, T>> {
-    static bool read(JSONReader& reader, const JSON& json, std::map<std::string, T>& values)
+    static bool read(JSONReader& reader, const JSONView& json, std::map<std::string, T>& values)
     {
-        const JSON::Object* object = json.object();
-        if (!object)
+        if (!json.isObject())
             return reader.expected("an object");
         values.clear();
-        for (const auto& entry : *object) {
-            if (!reader.at(std::string_view(entry.first), [&] {
-                    return JSONCoding<T>::read(reader, entry.second, values[entry.first]);
-                }))
+        JSONView key = json.first();
+        for (size_t i = 0; i < json.count(); ++i, key = key.next().next()) {
+            const auto entry = values.try_emplace(values.end(), *key.string());
+            if (!reader.at(std::string_view(entry->first),
+                           [&] { return JSONCoding<T>::read(reader, key.next(), entry->second); }))
                 return false;
         }
         return true;
@@ -193,7 +201,7 @@ template <class T> struct JSONCoding<std::map<std::string, T>> {
 /// Reads the fields of a record, in the table's order, until one fails.
 class JSONFieldReader {
 public:
-    JSONFieldReader(JSONReader& reader, const JSON::Object& object)
+    JSONFieldReader(JSONReader& reader, const JSONView& object)
         : m_reader(reader)
         , m_object(object)
     {
@@ -203,21 +211,21 @@ public:
     {
         if (!m_reader.ok())
             return;
-        if (const JSON* member = m_reader.required(m_object, key))
+        if (const std::optional<JSONView> member = m_reader.required(m_object, key))
             m_reader.at(key, [&] { return JSONCoding<T>::read(m_reader, *member, value); });
     }
 
     template <class T> void operator()(std::string_view key, std::optional<T>& value)
     {
-        const auto member = m_object.find(key);
+        const std::optional<JSONView> member = m_object.member(key);
         value.reset();
-        if (member != m_object.end() && !member->second.isNull())
+        if (member && !member->isNull())
             (*this)(key, value.emplace());
     }
 
 private:
     JSONReader& m_reader;
-    const JSON::Object& m_object;
+    JSONView m_object;
 };
 
 /// Collects the fields of a record into an object.
@@ -238,11 +246,11 @@ public:
 };
 
 template <HasJSONFields T> struct JSONCoding<T> {
-    static bool read(JSONReader& reader, const JSON& json, T& record)
+    static bool read(JSONReader& reader, const JSONView& json, T& record)
     {
-        if (!json.object())
+        if (!json.isObject())
             return reader.expected("an object");
-        JSONFieldReader field(reader, *json.object());
+        JSONFieldReader field(reader, json);
         JSONRecord<T>::fields(field, record);
         return reader.ok();
     }

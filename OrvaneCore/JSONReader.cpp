@@ -9,13 +9,12 @@ bool JSONReader::fail(std::string_view complaint)
     return false;
 }
 
-const JSON* JSONReader::required(const JSON::Object& object, std::string_view key)
+std::optional<JSONView> JSONReader::required(const JSONView& object, std::string_view key)
 {
-    const auto member = object.find(key);
-    if (member != object.end())
-        return &member->second;
-    at(key, [&] { return fail("is missing"); });
-    return nullptr;
+    const std::optional<JSONView> member = object.member(key);
+    if (!member)
+        at(key, [&] { return fail("is missing"); });
+    return member;
 }
 
 } // namespace orvane

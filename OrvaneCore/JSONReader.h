@@ -17,8 +17,8 @@ public:
     bool fail(std::string_view complaint);
     bool expected(std::string_view kind) { return fail("expected " + std::string(kind)); }
 
-    /// The member of an object; records a complaint and answers null when it is missing.
-    const JSON* required(const JSON::Object& object, std::string_view key);
+    /// The member of an object; records a complaint when it is missing.
+    std::optional<JSONView> required(const JSONView& object, std::string_view key);
 
     /// Runs `read()` one step further down the path, at a key or an index.
     template <class Step, class Read> bool at(const Step& step, Read read)

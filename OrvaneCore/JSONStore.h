@@ -59,26 +59,35 @@ Result<void> saveText(std::string_view text, const std::filesystem::path& url);
 
 // -------------------------------------------------------------------------------------------------
 
+/// How the text of a store becomes its value.
+template <class T> using Reading = Result<T> (*)(std::string text);
+template <class T> Result<T> decodedStore(std::string text)
+{
+    return decodedText<T>(text);
+}
+
 /// The file alone: Ok, Unreadable or Missing.
-template <class T> Load<T> decode(const std::filesystem::path& url)
+template <class T>
+Load<T> decode(const std::filesystem::path& url, Reading<T> reading = decodedStore<T>)
 {
     Load<std::string> text = readText(url);
     if (text.kind != LoadKind::Ok)
         return {text.kind, T{}, std::move(text.error)};
-    Result<T> value = decodedText<T>(text.value);
+    Result<T> value = reading(std::move(text.value));
     if (!value)
         return {LoadKind::Unreadable, T{}, value.error()};
     return {LoadKind::Ok, std::move(*value), {}};
 }
 
 /// The file, or its backup when it is damaged. Never writes.
-template <class T> Load<T> load(const std::filesystem::path& url)
+template <class T>
+Load<T> load(const std::filesystem::path& url, Reading<T> reading = decodedStore<T>)
 {
-    Load<T> file = decode<T>(url);
+    Load<T> file = decode<T>(url, reading);
     // A file that is simply not there is missing, whatever backup there is.
     if (file.kind == LoadKind::Ok || (file.kind == LoadKind::Missing && !isRecovering(url)))
         return file;
-    Load<T> backup = decode<T>(backupOf(url));
+    Load<T> backup = decode<T>(backupOf(url), reading);
     if (backup.kind != LoadKind::Ok)
         return file;
     backup.kind = LoadKind::Recovered;
@@ -88,9 +97,11 @@ template <class T> Load<T> load(const std::filesystem::path& url)
 /// The value to build a save on. A file that cannot be decoded is moved aside; when its backup
 /// cannot be decoded either, the error is wouldOverwriteUnreadable(), and the next attempt starts
 /// from `empty`.
-template <class T> Result<T> loadForUpdate(const std::filesystem::path& url, T empty)
+template <class T>
+Result<T> loadForUpdate(const std::filesystem::path& url, T empty,
+                        Reading<T> reading = decodedStore<T>)
 {
-    Load<T> loaded = load<T>(url);
+    Load<T> loaded = load<T>(url, reading);
     switch (loaded.kind) {
     case LoadKind::Ok:
         return std::move(loaded.value);

@@ -180,9 +180,9 @@ TEST_F(MainWindowTest, TypedValuesAreHeldToTheRange)
     };
     const Row rows[] = {{" 12,6 ", 12.6, "13"},
                         {"-3", -3, "-3"},
-                        {"999", 100, "100"},
-                        {"many", 100, "100"},
-                        {"nan", 100, "100"}};
+                        {"999", 55, "55"},
+                        {"many", 55, "55"},
+                        {"nan", 55, "55"}};
     SliderRow& contrast = window.panel().row("contrast");
     for (const Row& row : rows) {
         contrast.field().selectAll();

@@ -31,7 +31,7 @@ const std::string AppModel::version = ORVANE_VERSION;
 AppModel::AppModel(Surroundings surroundings)
     : m_surroundings(std::move(surroundings))
     , m_desktop(m_surroundings.desktop)
-    , m_edits(m_surroundings.supportFolder / "edits.json")
+    , m_stateStore(m_surroundings.supportFolder / "edits.json")
     , m_collectionStore(m_surroundings.supportFolder / "collections.json")
     , m_looksStore(m_surroundings.supportFolder / "saved-looks.json")
     , m_lutStore(m_surroundings.supportFolder / "luts")
@@ -176,19 +176,17 @@ void AppModel::parkActiveState()
     });
 }
 
-void AppModel::activate(const std::string& id, bool parkingCurrent)
+void AppModel::activate(std::string id, bool parkingCurrent)
 {
-    // A copy: the caller may have taken it from the session, which parking replaces.
-    const std::string wanted = id;
     if (parkingCurrent) {
         endActiveTool();
         parkActiveState();
     }
-    const auto index = indexOf(wanted);
+    const auto index = indexOf(id);
     if (!index)
         return;
     const EditImage image = session.value()[*index];
-    activeImageID = wanted;
+    activeImageID = std::move(id);
     showSource(*image.pixels);
     history = image.history;
     lastLook = std::nullopt;

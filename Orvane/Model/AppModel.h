@@ -3,11 +3,11 @@
 #include "AppModelFields.h"
 #include "Desktop.h"
 #include "EditStateJSON.h"
-#include "JSONMapStore.h"
 #include "LatestJob.h"
 #include "LutStore.h"
 #include "PhotoSource.h"
 #include "SessionRules.h"
+#include "StateStore.h"
 
 #include <array>
 #include <functional>
@@ -69,8 +69,9 @@ public:
     void restore(const EditState& state);
     /// Copies the active image's edit into the session and draws its thumbnail anew.
     void parkActiveState();
-    /// Makes an image the active one. Without parkingCurrent, what the fields hold is dropped.
-    void activate(const std::string& id, bool parkingCurrent);
+    /// Makes an image the active one. Without parkingCurrent, what the fields hold is dropped. (The
+    /// id is a copy, because parking replaces the session that it may come from.)
+    void activate(std::string id, bool parkingCurrent);
     /// Finishes the tool in use; what it did stands.
     void endActiveTool();
     /// Forgets the tool in use.
@@ -93,6 +94,8 @@ public:
     void adoptIntoSession(std::vector<IncomingImage> incoming, bool append);
     /// Reads and decodes files; tells of those that are no pictures.
     std::vector<IncomingImage> readImageFiles(const std::vector<std::filesystem::path>& files);
+    /// The second half of that: for files that readImages() has read in the background.
+    std::vector<IncomingImage> takeReadImages(ReadImages read);
     void addPhotos(const std::vector<std::string>& identifiers);
     void importFromPhotos();
     void pasteImage();
@@ -213,13 +216,12 @@ private:
     void showSource(const SourcePixels& pixels);
     void forgetActiveImage();
     bool storeEdits(std::vector<PendingEdit> pending);
-    Result<void> storeEdits(const std::map<std::string, EditState>& entries);
     void makeSupportFolder() const;
     EditImage adopted(IncomingImage incoming) const;
-    bool mayRemove(EditImage image);
+    bool mayRemove(const EditImage& image);
     void adoptPhotos(std::vector<PhotoSource::Photo> photos, bool append);
     std::string variantName(const std::string& name) const;
-    void applyGradeOf(const Looks::Look& look);
+    void applyGradeOf(Looks::Look look);
 
     Collection collectionOfSession(const std::string& name) const;
     bool storeCollections(const std::vector<Collection>& changed, const std::string& complaint);
@@ -229,7 +231,7 @@ private:
 
     Surroundings m_surroundings;
     Desktop& m_desktop;
-    mutable JSONMapStore<EditState> m_edits; ///< by source; lookups are kept in memory
+    mutable StateStore m_stateStore;
     CollectionStore m_collectionStore;
     LooksStore m_looksStore;
     LutStore m_lutStore;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace orvane {
 
@@ -97,12 +98,12 @@ void AppModel::applyGrade(const AdjustMap& values, const CurveMap& curves)
     commitHistory();
 }
 
-void AppModel::applyGradeOf(const Looks::Look& look)
+void AppModel::applyGradeOf(Looks::Look look)
 {
-    const Looks::Look chosen = look;
-    lastLook = chosen;
+    const AdjustMap graded = Looks::apply(look, 100);
+    lastLook = std::move(look);
     lookStrength = 100;
-    applyGrade(Looks::apply(chosen, 100), {});
+    applyGrade(graded, {});
 }
 
 void AppModel::applyLook(const std::string& id)

@@ -25,7 +25,7 @@ void AppModel::importLut()
                                           .extensions = {"cube"}});
     if (chosen.empty())
         return;
-    const std::filesystem::path file = chosen.front();
+    const std::filesystem::path& file = chosen.front();
     Result<std::string> text = readTextFile(file, largestCubeFile);
     if (text && !isUTF8(*text))
         text = Error{"The file isn't a text in UTF-8."};

@@ -168,7 +168,7 @@ bool AppModel::storeEdits(std::vector<PendingEdit> pending)
         std::map<std::string, EditState> entries;
         for (const PendingEdit& edit : pending)
             entries[edit.source] = edit.state;
-        const Result<void> stored = storeEdits(entries);
+        const Result<void> stored = m_stateStore.save(entries);
         if (stored)
             break;
         fail(pending.front(), stored.error());
@@ -187,12 +187,6 @@ bool AppModel::storeEdits(std::vector<PendingEdit> pending)
     });
     savedImageSources = std::move(sources);
     return isComplete;
-}
-
-Result<void> AppModel::storeEdits(const std::map<std::string, EditState>& entries)
-{
-    makeSupportFolder();
-    return m_edits.set(entries);
 }
 
 bool AppModel::offerCollectionForVariants()

@@ -44,7 +44,11 @@ std::string joined(const std::vector<std::string>& names)
 
 std::vector<IncomingImage> AppModel::readImageFiles(const std::vector<fs::path>& files)
 {
-    ReadImages read = readImages(files);
+    return takeReadImages(readImages(files));
+}
+
+std::vector<IncomingImage> AppModel::takeReadImages(ReadImages read)
+{
     if (!read.failed.empty())
         m_desktop.ask({.message = unreadMessage(read.images.size(), read.failed.size()),
                        .informative = "Not a readable image: " + joined(read.failed)});
@@ -62,6 +66,7 @@ void AppModel::adoptIntoSession(std::vector<IncomingImage> incoming, bool append
     incoming = decodedImages(std::move(incoming));
     const CIImage held = incoming.empty() ? CIImage() : incoming.front().held; // until it is active
     std::vector<EditImage> images;
+    images.reserve(incoming.size());
     for (IncomingImage& image : incoming)
         images.push_back(adopted(std::move(image)));
     changeSession([&](std::vector<EditImage>& open) {
@@ -84,7 +89,7 @@ EditImage AppModel::adopted(IncomingImage incoming) const
     image.source = std::move(incoming.source);
     image.pixels = std::move(incoming.pixels);
     if (!suppressSavedRestore && image.source)
-        image.state = m_edits.find(*image.source).value_or(EditState());
+        image.state = m_stateStore.state(*image.source).value_or(EditState());
     image.savedState = image.state;
     image.history = historyFrom(image.state);
     image.thumb = renderThumb(image);
@@ -173,7 +178,7 @@ std::string AppModel::variantName(const std::string& name) const
     };
     std::string candidate = base + suffix;
     for (int number = 2; isTaken(candidate); ++number)
-        candidate = base + " " + std::to_string(number) + suffix;
+        candidate.assign(base).append(" " + std::to_string(number)).append(suffix);
     return candidate;
 }
 
@@ -203,14 +208,14 @@ void AppModel::removeImage(const std::string& id)
     const auto found = indexOf(id);
     if (!found)
         return;
-    const std::string removed = id;
-    if (!mayRemove(session.value()[*found]))
+    // A copy: while the question is open the session may change.
+    const EditImage image = session.value()[*found];
+    if (!mayRemove(image))
         return;
-    // The answer may have come after another change of the session.
-    const auto index = indexOf(removed);
+    const auto index = indexOf(image.id);
     if (!index)
         return;
-    const bool wasActive = removed == activeImageID.value();
+    const bool wasActive = image.id == activeImageID.value();
     if (wasActive)
         resetTools();
     changeSession(
@@ -225,13 +230,13 @@ void AppModel::removeImage(const std::string& id)
 }
 
 /// Stores the edit of an image that is about to go, or asks.
-bool AppModel::mayRemove(EditImage image)
+bool AppModel::mayRemove(const EditImage& image)
 {
     const SessionItem item = sessionItem(image);
     const auto removal = SessionRules::removal(item, !currentCollectionName.value().empty());
     using Kind = SessionRules::Removal::Kind;
     if (removal.kind == Kind::SaveThenRemove) {
-        const Result<void> stored = storeEdits({{removal.source, item.current}});
+        const Result<void> stored = m_stateStore.save({{removal.source, item.current}});
         if (!stored)
             report("Couldn't save " + inQuotes(image.name) + " before removing it", stored.error());
         return stored.ok();

@@ -80,7 +80,7 @@ TEST_F(SessionTest, PastesABitmapOrTheFileItCameFrom)
     paste(PastedPicture::Kind::Tiff);
     EXPECT_EQ(model->activeName(), "Pasted 2.tiff");
     EXPECT_FALSE(image(1).source);
-    model->removeImage(std::string(image(1).id));
+    model->removeImage(image(1).id);
     desktop.pasteboardFiles = {picture("a.jpg")};
     paste();
     EXPECT_EQ(image(1).source, source("a.jpg"));
@@ -160,7 +160,7 @@ TEST_F(SessionTest, RemovesWithTheEditStoredOrAfterAQuestion)
 
     // One that is not active goes without another activation.
     const int version = model->sourceImageVersion;
-    model->removeImage(std::string(image(1).id));
+    model->removeImage(image(1).id);
     EXPECT_EQ(model->sourceImageVersion, version);
 
     // It stays when it cannot be stored.

@@ -217,7 +217,7 @@ TEST_F(StoryTest, OriginalsAreNeverOpenedForWriting)
     model->revealOriginal();
     desktop.choices = {{place / "a.jpg"}};
     model->openImage(true);
-    model->removeImage(std::string(image(0).id));
+    model->removeImage(image(0).id);
     restart();
     open(originals);
     model->loadSources(model->collections.value().at(0));

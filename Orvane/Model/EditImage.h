@@ -49,10 +49,10 @@ struct IncomingImage {
 
 /// Files read and decoded.
 struct ReadImages {
-    std::vector<IncomingImage> images; ///< the first one with its picture held
+    std::vector<IncomingImage> images; ///< that of the first file with its picture held
     std::vector<std::string> failed; ///< names of those that are no pictures
 };
-/// Reads and decodes files, one after the other; from any thread. The files are opened for reading
+/// Reads and decodes files, several at a time; from any thread. The files are opened for reading
 /// only.
 ReadImages readImages(const std::vector<std::filesystem::path>& files);
 

@@ -94,7 +94,7 @@ protected:
         std::filesystem::remove(folder / "pasteboard.png");
     }
     const EditImage& image(size_t index) const { return model->session.value().at(index); }
-    void activate(size_t index) { model->activate(std::string(image(index).id), true); }
+    void activate(size_t index) { model->activate(image(index).id, true); }
     /// A discrete change of the active image.
     void expose(double value)
     {

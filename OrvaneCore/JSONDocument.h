@@ -11,18 +11,20 @@
 namespace orvane {
 
 /// One entry of the list that a JSON text is parsed into: a value, or the key before one, in the
-/// order of the text. 24 bytes and no allocation of its own, whatever it holds.
+/// order of the text. 16 bytes and no allocation of its own, whatever it holds.
 struct JSONToken {
+    /// Of a string, in the text, without its quotes.
+    struct Span {
+        uint32_t start;
+        uint32_t length;
+    };
     enum class Kind : uint8_t { Null, False, True, Number, String, EscapedString, Array, Object };
 
     Kind kind = Kind::Null;
     uint32_t next = 0; ///< index of the token after this value and all that is inside it
     union {
         double number = 0;
-        struct {
-            uint32_t start; ///< of a string, in the text, without its quotes
-            uint32_t length;
-        } text;
+        Span text;
         uint32_t count; ///< of elements or members
     };
 };

@@ -49,7 +49,7 @@ private:
     /// Of the store, its backup and the mark of a recovery: what was read depends on all three.
     using Identities = std::array<std::optional<FileIdentity>, 3>;
 
-    static Result<JSONMapText> read(std::string text)
+    static Result<JSONMapText> read(std::string&& text)
     {
         return JSONMapText::parsed(std::move(text), [](JSONReader& reader, const JSONView& json) {
             V value{};
@@ -62,6 +62,9 @@ private:
                 FileIdentity::of(JSONStore::markOf(m_url))};
     }
     void refresh();
+    void keep(const Identities& identities);
+    /// By its bytes: what changes soon after a look at the file can keep the file's times.
+    bool isStillTheSame();
     void forget()
     {
         m_identities.reset();
@@ -70,20 +73,38 @@ private:
 
     std::filesystem::path m_url;
     std::optional<Identities> m_identities; ///< of the files that m_loaded was read from
+    bool m_isSettled = false; ///< so long ago that a change since would have changed them
     JSONStore::Load<JSONMapText> m_loaded;
 };
 
 template <class V> void JSONMapStore<V>::refresh()
 {
     const Identities before = present();
-    if (m_identities == before)
+    if (m_identities == before && (m_isSettled || isStillTheSame()))
         return;
     forget();
     m_loaded = JSONStore::load<JSONMapText>(m_url, read);
-    // Trusted only when nothing changed meanwhile, nor could change unseen.
-    const auto settled = [](const auto& file) { return !file || file->isSettled(); };
-    if (before == present() && std::all_of(before.begin(), before.end(), settled))
-        m_identities = before;
+    if (before == present())
+        keep(before);
+}
+
+template <class V> void JSONMapStore<V>::keep(const Identities& identities)
+{
+    m_identities = identities;
+    m_isSettled = std::all_of(identities.begin(), identities.end(),
+                              [](const auto& file) { return !file || file->isSettled(); });
+}
+
+template <class V> bool JSONMapStore<V>::isStillTheSame()
+{
+    if (m_loaded.kind != JSONStore::LoadKind::Ok)
+        return false;
+    const Identities before = present();
+    const JSONStore::Load<std::string> text = JSONStore::readText(m_url);
+    if (text.kind != m_loaded.kind || text.value != m_loaded.value.text() || before != present())
+        return false;
+    keep(before);
+    return true;
 }
 
 template <class V> Result<void> JSONMapStore<V>::set(const Map& entries)
@@ -112,7 +133,7 @@ template <class V> Result<void> JSONMapStore<V>::set(const Map& entries)
     if (Result<void> saved = JSONStore::saveText(updated->text(), m_url); !saved)
         return saved;
     m_loaded = {JSONStore::LoadKind::Ok, std::move(*updated), {}};
-    m_identities = present();
+    keep(present());
     return {};
 }
 

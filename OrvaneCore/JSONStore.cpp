@@ -33,8 +33,12 @@ bool isMissing(const fs::path& url)
 
 Error moveError(const fs::path& url, int code)
 {
-    return {quoted(url.filename()) + " couldn't be moved aside because " + writeReason(code, url)
-            + "."};
+    const bool isBlocked = code == EISDIR || code == ENOTEMPTY || code == EEXIST;
+    const fs::path aside = beside(url.filename(), ".corrupt");
+    return {
+        quoted(url.filename()) + " couldn't be moved aside because "
+        + (isBlocked ? "the folder " + quoted(aside) + " is in the way" : writeReason(code, url))
+        + "."};
 }
 
 /// Leaves the mark of a recovery on disk; 0 or an errno.

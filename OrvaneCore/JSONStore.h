@@ -60,8 +60,8 @@ Result<void> saveText(std::string_view text, const std::filesystem::path& url);
 // -------------------------------------------------------------------------------------------------
 
 /// How the text of a store becomes its value.
-template <class T> using Reading = Result<T> (*)(std::string text);
-template <class T> Result<T> decodedStore(std::string text)
+template <class T> using Reading = Result<T> (*)(std::string&& text);
+template <class T> Result<T> decodedStore(std::string&& text)
 {
     return decodedText<T>(text);
 }

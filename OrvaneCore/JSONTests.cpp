@@ -34,6 +34,16 @@ TEST(JSON, RefusesBrokenTexts)
         {"[01]", "byte"},
         {"[.5]", "byte"},
         {"[1e400]", "too large"},
+        {"[-0.001e+312]", "too large"},
+        {"[1e99999999999999999999]", "too large"},
+        {"[\"\\x41\"]", "unknown escape"},
+        {"[\"\\u12\"]", "unknown escape"},
+        {"[\"\\ud83d\\u0041\"]", "half a character"},
+        {"[\"\\ude00\"]", "half a character"},
+        {"[\"\\", "unknown escape"},
+        {"[1e+]", "byte 5: expected a digit"},
+        {"[tru]", "byte 2: expected a value"},
+        {"{1:2}", "byte 2: expected a text"},
         {"['a']", "byte"},
         {"[\"a\nb\"]", "byte"},
         {"[\"\\ud800\"]", "byte"},
@@ -97,10 +107,24 @@ TEST(JSON, WritesTheShortestTextThatReadsBack)
 
 TEST(JSON, ReadsWhatOthersWrite)
 {
-    const Result<JSON> json =
-        JSON::parse(" {\"u\": \"\\ud83d\\ude00\\/\", \"n\": [1.50, -0, 1E2, 1e-400]} \n");
-    ASSERT_TRUE(json) << json.error().message;
-    EXPECT_EQ(*json->serialized(), "{\"n\":[1.5,0,100,0],\"u\":\"😀/\"}");
+    const struct {
+        const char* text;
+        const char* same;
+    } cases[] = {
+        {" {\"u\": \"\\ud83d\\ude00\\/\", \"n\": [1.50, -0, 1E2, 1e-400]} \n",
+         "{\"n\":[1.5,0,100,0],\"u\":\"😀/\"}"},
+        {R"(["\u00e9\u20AC\b\f\n\r\t\"\\", "\uFFFF"])",
+         "[\"é€\\u0008\\u000c\\n\\u000d\\u0009\\\"\\\\\",\"\xef\xbf\xbf\"]"},
+        {R"({"b": {}, "\u0061": [ ]})", R"({"a":[],"b":{}})"},
+        // Beyond a double at its small end, and only seemingly so at its large one.
+        {"[0.0001e-320, -1e-99999999999999999999, 0e999, 0.001e310, 12345678901234567890]",
+         "[0,0,0,1e+307,12345678901234567168]"},
+    };
+    for (const auto& [text, same] : cases) {
+        const Result<JSON> json = JSON::parse(text);
+        ASSERT_TRUE(json) << json.error().message;
+        EXPECT_EQ(*json->serialized(), same);
+    }
 }
 
 TEST(JSON, RefusesToWriteWhatCouldNotBeReadAgain)

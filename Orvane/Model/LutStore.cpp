@@ -72,6 +72,7 @@ Result<void> LutStore::save(const Entry& entry) const
     // When this fails, the write fails and says why.
     std::error_code ignored;
     fs::create_directories(m_folder, ignored);
+    removeAbandonedTemporaries(m_folder);
     m_kept.erase(entry.id);
     return writeFile(file(entry.id), *text);
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <limits>
 
 namespace orvane {
@@ -86,6 +87,34 @@ bool isTooLarge(std::string_view digits)
     const size_t point = std::min(mantissa.find('.'), mantissa.size());
     const size_t leading = mantissa.find_first_of("123456789");
     return leading != mantissa.npos && long(point) - long(leading) + exponent > 0;
+}
+
+/// The value of plain digits, which most numbers are: a whole number below 2^53 divided by a power
+/// of ten that is a double itself is rounded once, so it is the double nearest to the digits.
+std::optional<double> plainNumber(std::string_view digits)
+{
+    constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    if (digits.size() > 17)
+        return std::nullopt;
+    const bool isNegative = digits[0] == '-';
+    uint64_t whole = 0;
+    size_t decimals = 0;
+    bool isAfterPoint = false;
+    for (const char c : digits.substr(isNegative ? 1 : 0)) {
+        if (c == '.') {
+            isAfterPoint = true;
+        } else if (isDigit(c)) {
+            whole = whole * 10 + uint64_t(c - '0');
+            decimals += isAfterPoint ? 1 : 0;
+        } else {
+            return std::nullopt;
+        }
+    }
+    if (whole >= uint64_t(1) << 53 || decimals >= std::size(powers))
+        return std::nullopt;
+    const double number = double(whole) / powers[decimals];
+    return isNegative ? -number : number;
 }
 
 } // namespace
@@ -274,11 +303,15 @@ bool JSONDocument::parseNumber()
     }
     const std::string_view digits = m_text.substr(start, m_at - start);
     double number = 0;
-    const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (end.ec == std::errc::result_out_of_range) {
-        if (isTooLarge(digits))
-            return fail("the number is too large", start);
-        number = digits[0] == '-' ? -0.0 : 0.0;
+    if (const std::optional<double> plain = plainNumber(digits)) {
+        number = *plain;
+    } else {
+        const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+        if (end.ec == std::errc::result_out_of_range) {
+            if (isTooLarge(digits))
+                return fail("the number is too large", start);
+            number = digits[0] == '-' ? -0.0 : 0.0;
+        }
     }
     const uint32_t index = add(Kind::Number);
     m_tokens[index].number = number;

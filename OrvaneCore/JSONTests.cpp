@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -124,6 +125,24 @@ TEST(JSON, ReadsWhatOthersWrite)
         const Result<JSON> json = JSON::parse(text);
         ASSERT_TRUE(json) << json.error().message;
         EXPECT_EQ(*json->serialized(), same);
+    }
+}
+
+TEST(JSON, ReadsNumbersToTheLastBit)
+{
+    uint64_t seed = 1;
+    for (int i = 0; i < 20000; ++i) {
+        seed = seed * 6364136223846793005u + 1442695040888963407u;
+        // Of up to 19 digits, the point anywhere.
+        std::string text = std::to_string((seed >> 1) >> (seed % 60));
+        text.insert(1 + (seed >> 8) % text.size(), ".");
+        text += text.back() == '.' ? "0" : "";
+        text.insert(0, i % 2 ? "-" : "");
+        double value = 0;
+        std::from_chars(text.data(), text.data() + text.size(), value);
+        const Result<JSON> json = JSON::parse(text);
+        ASSERT_TRUE(json) << text;
+        ASSERT_EQ(*json->number(), value) << text;
     }
 }
 

@@ -206,7 +206,15 @@ void AppModel::showSource(const SourcePixels& pixels)
         bytes += entry.second;
     for (; bytes > recentSourceBytes && recent.size() > 1; recent.pop_back())
         bytes -= recent.back().second;
-    sourceImage = image;
+    setSource(image);
+}
+
+/// The version grows in any case, the image is told of only when it is another.
+void AppModel::setSource(const std::optional<CIImage>& image)
+{
+    const auto& old = sourceImage.value();
+    if (old.has_value() != image.has_value() || (old && !old->isSame(*image)))
+        sourceImage = image;
     sourceImageVersion = sourceImageVersion + 1;
 }
 
@@ -214,8 +222,7 @@ void AppModel::forgetActiveImage()
 {
     activeImageID = std::string();
     m_recentSources.clear();
-    sourceImage = std::nullopt;
-    sourceImageVersion = sourceImageVersion + 1;
+    setSource(std::nullopt);
     refreshLookThumbs();
     syncWindowChrome();
 }

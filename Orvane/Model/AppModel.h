@@ -214,6 +214,7 @@ private:
     }
     SessionItem sessionItem(const EditImage& image) const;
     void showSource(const SourcePixels& pixels);
+    void setSource(const std::optional<CIImage>& image);
     void forgetActiveImage();
     bool storeEdits(std::vector<PendingEdit> pending);
     void makeSupportFolder() const;

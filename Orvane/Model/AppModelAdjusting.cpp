@@ -2,7 +2,6 @@
 
 #include "AppModel.h"
 
-#include "Geometry.h"
 #include "LookThumbs.h"
 
 #include <algorithm>
@@ -125,7 +124,7 @@ void AppModel::makeItPop()
     const auto framed = geometrySource();
     if (!framed)
         return;
-    const CIImage sample = Geometry::resized(*framed, popSampleEdge);
+    const CIImage sample = reducedCopy(*framed, popSampleEdge);
     applyGradeOf(Looks::pop(Looks::analyze(sample, popSampleEdge)));
 }
 

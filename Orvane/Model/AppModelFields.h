@@ -63,8 +63,7 @@ struct AppModelFields {
     // The open set.
     QProperty<std::vector<EditImage>> session;
     QProperty<std::string> activeImageID; ///< empty with an empty session
-    /// The active image's pixels. Told of at every setting: observe the version.
-    QProperty<std::optional<CIImage>> sourceImage;
+    QProperty<std::optional<CIImage>> sourceImage; ///< the active image's pixels
     QProperty<int> sourceImageVersion{0}; ///< one more at each activation
     QProperty<int> pastedCount{0};
     QProperty<std::set<std::string>> savedImageSources; ///< stored during this run

@@ -126,6 +126,23 @@ TEST_F(SavingTest, StoredEditsComeBack)
     EXPECT_EQ(exposure(), 6);
 }
 
+TEST_F(SavingTest, StoredEditsComeBackForAnyFileName)
+{
+    for (const std::string name : {"caf\xe9.jpg", "50%.jpg", "Zürich 日本.jpg", "a\nb\".jpg"}) {
+        restart();
+        open({name});
+        expose(4);
+        EXPECT_TRUE(model->saveWork());
+        restart();
+        open({name});
+        EXPECT_EQ(exposure(), 4) << name;
+        EXPECT_EQ(model->activeFileURL(), folder / name);
+    }
+    EXPECT_THAT(desktop.alerts, testing::IsEmpty());
+    open({"caf\xe9.jpg"});
+    EXPECT_EQ(model->activeName(), "caf\uFFFD.jpg");
+}
+
 TEST_F(SavingTest, OneMessageForEachEditThatCannotBeStored)
 {
     const std::string lost = "“edits.json” is on disk but couldn't be read, so saving now would "

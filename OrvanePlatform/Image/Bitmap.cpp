@@ -56,7 +56,7 @@ Bitmap::Bitmap(int width, int height, int channels, SampleType type, AlphaKind a
     , m_alpha(alpha)
     , m_rowBytes(size_t(width) * size_t(channels) * sampleSize(type))
     , m_identity(nextIdentity())
-    , m_data(new uint8_t[m_rowBytes * size_t(height)])
+    , m_data(m_rowBytes * size_t(height))
 {
 }
 

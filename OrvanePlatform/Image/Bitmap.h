@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PixelMemory.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -49,8 +51,8 @@ public:
     uint64_t identity() const { return m_identity; }
 
     /// Row y counted from the top.
-    uint8_t* row(int y) { return m_data.get() + m_rowBytes * size_t(y); }
-    const uint8_t* row(int y) const { return m_data.get() + m_rowBytes * size_t(y); }
+    uint8_t* row(int y) { return m_data.data() + m_rowBytes * size_t(y); }
+    const uint8_t* row(int y) const { return m_data.data() + m_rowBytes * size_t(y); }
 
     SampleConversion conversion;
 
@@ -63,7 +65,7 @@ private:
     size_t m_rowBytes;
     uint64_t m_identity;
     // Not zeroed: a decoder writes every row, and touching 100 megapixels twice costs 40 ms.
-    std::unique_ptr<uint8_t[]> m_data;
+    PixelMemory m_data;
 };
 
 } // namespace orvane

@@ -90,7 +90,12 @@ std::optional<CGImage> CIContext::createCGImage(const CIImage& image, const CGRe
     result.format = node.opaque && node.extent.contains(area) ? PixelFormat::BGRX8
                                                               : PixelFormat::BGRA8Premultiplied;
     result.rowBytes = size_t(area.width()) * 4;
-    result.pixels.resize(result.rowBytes * size_t(area.height()));
+    try {
+        result.pixels = PixelMemory(result.rowBytes * size_t(area.height()),
+                                    options.keepIntermediates ? m_impl->cache.spares() : nullptr);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
     if (!m_impl->render(node, area, result.format, result.pixels.data(), result.rowBytes, options))
         return {};
     return result;

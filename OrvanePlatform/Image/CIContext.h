@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CIImage.h"
+#include "PixelMemory.h"
 #include "Result.h"
 #include "RowSink.h"
 
@@ -30,7 +31,7 @@ struct CGImage {
     int height = 0;
     PixelFormat format = PixelFormat::BGRX8;
     size_t rowBytes = 0;
-    std::vector<uint8_t> pixels;
+    PixelMemory pixels;
 };
 
 /// One walk over an image, as a draw saw it.

@@ -16,6 +16,8 @@ using Form = StoredPlan::Form;
 
 /// Tiles of a step for each worker: enough that the last ones to finish cost little.
 constexpr int tilesForEachWorker = 4;
+/// What is kept has all its rows in memory anyway, so there the workers need to meet less often.
+constexpr int tilesOfKept = 32;
 
 /// Tiles of a region in rows from the top, or shuffled.
 std::vector<PixelRect> tilesOf(const PixelRect& region, int width, int height, uint64_t seed)
@@ -76,7 +78,7 @@ std::string operationNames(const Plan& plan, const PlanPass& pass)
 
 Drawing::Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
                  const DrawOptions& options, const CIContext::Options& settings, ThreadPool& pool,
-                 IntermediateCache& cache)
+                 IntermediateCache& cache, std::vector<TileArena> arenas)
     : m_plan(makePlan(root, rect, settings.tileWidth, settings.tileHeight,
                       options.keepIntermediates ? Intermediates::Kept : Intermediates::Freed))
     , m_format(format)
@@ -87,9 +89,11 @@ Drawing::Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
     , m_stored(m_plan.stored.size())
     , m_keys(m_plan.stored.size())
     , m_passes(m_plan.passes.size())
-    , m_arenas(size_t(pool.slots()))
+    , m_arenas(std::move(arenas))
 {
-    m_schedule = makeSchedule(m_plan, findKept(), pool.slots() * tilesForEachWorker);
+    m_schedule =
+        makeSchedule(m_plan, findKept(),
+                     pool.slots() * (options.keepIntermediates ? tilesOfKept : tilesForEachWorker));
 }
 
 bool Drawing::cancelled() const
@@ -120,6 +124,17 @@ const Digest& Drawing::key(size_t stored)
     }
     m_keys[stored] = digest.digest();
     return *m_keys[stored];
+}
+
+Digest Drawing::role(size_t stored) const
+{
+    const StoredPlan& planned = m_plan.stored[stored];
+    DigestBuilder digest;
+    digest.add(uint64_t(m_plan.stored.size())).add(uint64_t(stored)).add(uint64_t(planned.form));
+    for (const int edge :
+         {planned.region.x0, planned.region.y0, planned.region.x1, planned.region.y1})
+        digest.add(uint64_t(edge));
+    return digest.digest();
 }
 
 std::vector<bool> Drawing::findKept()
@@ -154,7 +169,9 @@ void Drawing::allocate(size_t stored)
         planned.node->opaque && (coarse || planned.node->extent.contains(planned.region));
     const int rows = kept ? planned.region.height() : m_schedule.images[stored].rows;
     const StoredFormat format = coarse || planned.exact ? StoredFormat::Float : m_format;
-    m_stored[stored] = std::make_shared<StoredImage>(planned.region, opaque, format, rows);
+    m_stored[stored] =
+        std::make_shared<StoredImage>(planned.region, opaque, format, rows,
+                                      m_options.keepIntermediates ? m_cache.spares() : nullptr);
     m_storedBytes += m_stored[stored]->byteSize();
     m_statistics.peakStoredBytes = std::max(m_statistics.peakStoredBytes, m_storedBytes);
     m_statistics.storedImages += planned.form != Form::Averages;
@@ -185,13 +202,16 @@ void Drawing::drawTile(const PlanPass& pass, int slot, const PixelRect& tile,
                        const TiledRenderer::TileTarget& target)
 {
     if (pass.target < 0)
-        return target(evaluator(pass, slot).draw(tile), tile);
+        return evaluator(pass, slot).draw(tile, target);
     const StoredPlan& planned = m_plan.stored[size_t(pass.target)];
     StoredImage* image = m_stored[size_t(pass.target)].get();
     TileArena& arena = m_arenas[size_t(slot)];
     switch (planned.form) {
     case Form::Whole:
-        return image->write(evaluator(pass, slot).draw(tile), tile);
+        return evaluator(pass, slot)
+            .draw(tile, [&](const TilePlanes& planes, const PixelRect& rows) {
+                image->write(planes, rows);
+            });
     case Form::Averages: {
         if (planned.averages < 0) {
             const int levels = levelsBetween(1, planned.factor);
@@ -251,7 +271,7 @@ bool Drawing::drawRows(size_t step, const TiledRenderer::TileTarget& target)
         if (m_plan.stored[stored].form == Form::Histogram)
             settleHistogram(pass);
         if (m_options.keepIntermediates && m_plan.stored[stored].form != Form::Averages)
-            m_cache.keep(key(stored), m_stored[stored]);
+            m_cache.keep(key(stored), role(stored), m_stored[stored]);
     }
     release(step);
     return true;

@@ -20,13 +20,15 @@ class Drawing {
 public:
     Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
             const DrawOptions& options, const CIContext::Options& settings, ThreadPool& pool,
-            IntermediateCache& cache);
+            IntermediateCache& cache, std::vector<TileArena> arenas);
 
     const std::vector<ScheduledRows>& steps() const { return m_schedule.steps; }
     bool drawsPicture(const ScheduledRows& rows) const;
     /// One step of the schedule; `target` takes the tiles of the picture itself. False when
     /// cancelled.
     bool drawRows(size_t step, const TiledRenderer::TileTarget& target);
+    /// The scratch memory, for another draw; this one draws nothing any more.
+    std::vector<TileArena> takeArenas() { return std::move(m_arenas); }
     /// Fills the statistics that were asked for.
     void report(double sinkMilliseconds);
 
@@ -41,6 +43,7 @@ private:
 
     bool cancelled() const;
     const Digest& key(size_t stored);
+    Digest role(size_t stored) const;
     std::vector<bool> findKept();
     void allocate(size_t stored);
     void release(size_t step);

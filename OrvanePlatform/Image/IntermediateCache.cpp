@@ -4,6 +4,13 @@
 
 namespace orvane {
 
+namespace {
+
+/// The settings after a change, and those before it to go back to.
+constexpr int keptOfARole = 2;
+
+} // namespace
+
 std::shared_ptr<StoredImage> IntermediateCache::find(const Digest& key, const PixelRect& region)
 {
     const std::lock_guard lock(m_mutex);
@@ -16,19 +23,27 @@ std::shared_ptr<StoredImage> IntermediateCache::find(const Digest& key, const Pi
     return m_entries.front().image;
 }
 
-void IntermediateCache::keep(const Digest& key, std::shared_ptr<StoredImage> image)
+template <class Condition> void IntermediateCache::drop(Condition&& condition)
+{
+    m_entries.remove_if([&](const Entry& entry) {
+        const bool drops = condition(entry);
+        m_bytes -= drops ? entry.image->byteSize() : 0;
+        return drops;
+    });
+}
+
+void IntermediateCache::keep(const Digest& key, const Digest& role,
+                             std::shared_ptr<StoredImage> image)
 {
     const std::lock_guard lock(m_mutex);
     if (image->byteSize() > m_budget)
         return;
     // What the new image covers of the same recipe is of no more use.
-    m_entries.remove_if([&](const Entry& e) {
-        const bool replaced = e.key == key && image->rect().contains(e.image->rect());
-        m_bytes -= replaced ? e.image->byteSize() : 0;
-        return replaced;
-    });
+    drop([&](const Entry& e) { return e.key == key && image->rect().contains(e.image->rect()); });
+    int alike = 1;
+    drop([&](const Entry& e) { return e.role == role && ++alike > keptOfARole; });
     m_bytes += image->byteSize();
-    m_entries.push_front({key, std::move(image)});
+    m_entries.push_front({key, role, std::move(image)});
     while (m_bytes > m_budget) {
         m_bytes -= m_entries.back().image->byteSize();
         m_entries.pop_back();

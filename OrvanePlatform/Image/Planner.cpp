@@ -191,7 +191,6 @@ private:
                 if (step.stored >= 0 || !worthStoring(*step.node) || !leavesATail(pass, i))
                     continue;
                 m_whole.insert(step.node->digest);
-                m_exact.insert(step.node->digest);
                 return true;
             }
         }
@@ -229,7 +228,8 @@ private:
         StoredPlan stored;
         stored.node = &node;
         stored.form = form;
-        stored.exact = m_exact.count(node.digest) > 0 || isKeptReduction(node);
+        // It is drawn once, and all that follows is made from it.
+        stored.exact = isKeptReduction(node);
         if (form == StoredPlan::Form::ReducedBlur) {
             stored.factor = blurReduction(node.as<GaussianNode>()->sigma);
             stored.averages = storedAverages(node, stored.factor);
@@ -305,14 +305,6 @@ private:
                             [&](const PlanPass& pass) { return pass.target == stored; });
     }
 
-    /// What is only stored because of an image that is kept must not be rounded either.
-    bool store(const Node& node)
-    {
-        if (!m_exact.empty())
-            m_exact.insert(node.digest);
-        return m_whole.insert(node.digest).second;
-    }
-
     // ---- Rule 4 ----
 
     bool storeShared()
@@ -329,7 +321,7 @@ private:
             for (auto step = pass->steps.rbegin(); step != pass->steps.rend(); ++step) {
                 if (step->stored < 0 && passesOf[step->node->digest] > 1
                     && worthStoring(*step->node)) {
-                    store(*step->node);
+                    m_whole.insert(step->node->digest);
                     return true;
                 }
             }
@@ -400,7 +392,7 @@ private:
             return false;
         if (requests[index].area() <= windowLimit * needed[index])
             return false;
-        return store(*input->node);
+        return m_whole.insert(input->node->digest).second;
     }
 
     // ---- Rule 5 ----
@@ -443,7 +435,7 @@ private:
             const PlanStep& step = pass.steps[i];
             if (step.stored < 0 && step.readers > 1 && worthStoring(*step.node)
                 && requests[i].area() > farLimit * wanted[i])
-                return store(*step.node);
+                return m_whole.insert(step.node->digest).second;
         }
         return false;
     }
@@ -523,7 +515,6 @@ private:
     std::unordered_map<Digest, int> m_storedIndex;
     std::map<AveragesKey, int> m_averages;
     std::unordered_set<Digest> m_whole;
-    std::unordered_set<Digest> m_exact;
     std::unordered_map<Digest, bool> m_dependsOnSource;
 };
 

@@ -11,6 +11,13 @@ bool isPointwise(const PlanStep& step)
     return step.stored < 0 && step.node->as<PointwiseNode>();
 }
 
+/// Whether it can draw one row after the other. A resampling does not look at its own rows twice.
+bool drawsRows(const PlanStep& step)
+{
+    return step.stored >= 0 || step.node->as<PointwiseNode>() || step.node->as<SourceNode>()
+        || step.node->as<WarpNode>();
+}
+
 } // namespace
 
 RowGroups::RowGroups(const PlanPass& pass)
@@ -31,7 +38,7 @@ RowGroups::RowGroups(const PlanPass& pass)
             !step.inputs.empty() && (isPointwise(step) ? copies : !step.node->as<CropNode>());
         current += runBefore[i];
         group[i] = current;
-        oneRow[i] = isPointwise(step) && i + 1 < pass.steps.size();
+        oneRow[i] = drawsRows(step);
     }
     for (size_t i = 0; i < pass.steps.size(); ++i) {
         const PlanStep& reader = pass.steps[i];
@@ -62,10 +69,22 @@ TilePlanes PointwiseRuns::zeros(const PixelRect& rect)
 void PointwiseRuns::add(const Run& run)
 {
     m_ones.resize(std::max(m_ones.size(), size_t(run.rect.width() + rowPadding)), 1.0f);
-    m_waiting.push_back(run);
+    m_waiting.push_back({run, {}});
     for (size_t n = 0; n < run.inputCount; ++n)
         m_arena.hold(run.inputs[n]);
     m_arena.hold(run.output);
+}
+
+void PointwiseRuns::add(const PixelRect& rect, std::function<void(int y)> row,
+                        std::initializer_list<TilePlanes> uses)
+{
+    Waiting& waiting = m_waiting.emplace_back();
+    waiting.run.rect = rect;
+    waiting.row = std::move(row);
+    for (const TilePlanes& planes : uses) {
+        waiting.run.inputs[waiting.run.inputCount++] = planes;
+        m_arena.hold(planes);
+    }
 }
 
 void PointwiseRuns::runRow(const Run& run, int y) const
@@ -89,15 +108,19 @@ void PointwiseRuns::flush()
     if (m_waiting.empty())
         return;
     PixelRect all;
-    for (const Run& run : m_waiting)
-        all = all.united(run.rect);
+    for (const Waiting& waiting : m_waiting)
+        all = all.united(waiting.run.rect);
     for (int y = all.y0; y < all.y1; ++y) {
-        for (const Run& run : m_waiting) {
-            if (y >= run.rect.y0 && y < run.rect.y1)
+        for (const auto& [run, row] : m_waiting) {
+            if (y < run.rect.y0 || y >= run.rect.y1)
+                continue;
+            if (row)
+                row(y);
+            else
                 runRow(run, y);
         }
     }
-    for (const Run& run : m_waiting) {
+    for (const auto& [run, row] : m_waiting) {
         for (size_t n = 0; n < run.inputCount; ++n)
             m_arena.letGo(run.inputs[n]);
         m_arena.letGo(run.output);

@@ -4,12 +4,15 @@
 #include "Planner.h"
 #include "TilePlanes.h"
 
+#include <functional>
+#include <initializer_list>
 #include <vector>
 
 namespace orvane {
 
-/// Which pointwise steps of a pass are run together, row by row, so that a row goes through a whole
-/// chain while it is in the first-level cache. Follows from the pass alone.
+/// Which steps of a pass are run together, row by row, so that a row goes through a whole chain
+/// while it is in the first-level cache: pointwise steps, and what can draw one row after the other
+/// (reading, enlarging, sampling) for them. Follows from the pass alone.
 struct RowGroups {
     explicit RowGroups(const PlanPass& pass);
 
@@ -19,7 +22,7 @@ struct RowGroups {
     std::vector<bool> oneRow;
 };
 
-/// Pointwise steps that wait to be run together over the rows of a tile.
+/// Steps that wait to be run together over the rows of a tile.
 class PointwiseRuns {
 public:
     explicit PointwiseRuns(TileArena& arena)
@@ -40,14 +43,23 @@ public:
     /// Pixels of an input that has none.
     TilePlanes zeros(const PixelRect& rect);
     void add(const Run& run);
+    /// Has `row` draw, or take, each row of `rect` in its turn. The memory of what it uses is held
+    /// until then.
+    void add(const PixelRect& rect, std::function<void(int y)> row,
+             std::initializer_list<TilePlanes> uses);
     /// Runs all that wait.
     void flush();
 
 private:
+    struct Waiting {
+        Run run;
+        std::function<void(int y)> row; ///< instead of the run
+    };
+
     void runRow(const Run& run, int y) const;
 
     TileArena& m_arena;
-    std::vector<Run> m_waiting;
+    std::vector<Waiting> m_waiting;
     std::vector<float> m_zeros;
     std::vector<float> m_ones; ///< the alpha of opaque inputs beside others
 };

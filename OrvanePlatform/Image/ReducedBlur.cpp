@@ -56,25 +56,29 @@ TilePlanes halvedPlanes(const TilePlanes& from, const PixelRect& cells, TileAren
     return out;
 }
 
-/// One level finer; `from` covers all that the rectangle is interpolated from. The result covers
-/// the rectangle and up to a pixel more on each side.
-TilePlanes doubledPlanes(const TilePlanes& from, const PixelRect& rect, TileArena& arena)
+/// Rows of cells with twice as many columns; `from` covers all that the rectangle is interpolated
+/// from, and the result is as high. It covers the rectangle and up to a pixel more on each side.
+TilePlanes widenedPlanes(const TilePlanes& from, const PixelRect& rect, TileArena& arena)
 {
     const PixelRect cells = coarserCells(rect, 1);
-    const int inner = cells.width() - 2;
     // A row may be written past its end: the next one is written after it, the last has rowSlack.
     TilePlanes out = arena.planes(
-        {2 * (cells.x0 + 1), rect.y0, 2 * (cells.x1 - 1) + rowSlack, rect.y1}, from.opaque());
+        {2 * (cells.x0 + 1), cells.y0, 2 * (cells.x1 - 1) + rowSlack, cells.y1}, from.opaque());
     out.rect.x1 -= rowSlack;
-    float* row = arena.floats(size_t(cells.width() + rowSlack));
     for (int c = 0; c < out.channels(); ++c) {
-        for (int y = rect.y0; y < rect.y1; ++y) {
-            const int near = floorDivided(y, 2);
-            const int far = y == 2 * near ? near - 1 : near + 1;
-            doubleDown(from.at(c, cells.x0, near), from.at(c, cells.x0, far), row, cells.width());
-            doubleAcross(row + 1, out.row(c, y), inner);
-        }
+        for (int y = cells.y0; y < cells.y1; ++y)
+            doubleAcross(from.at(c, cells.x0 + 1, y), out.row(c, y), cells.width() - 2);
     }
+    return out;
+}
+
+TilePlanes doubledPlanes(const TilePlanes& from, const PixelRect& rect, TileArena& arena)
+{
+    const TilePlanes wide = widenedPlanes(from, rect, arena);
+    const TilePlanes out =
+        arena.planes({wide.rect.x0, rect.y0, wide.rect.x1, rect.y1}, from.opaque());
+    for (int y = rect.y0; y < rect.y1; ++y)
+        drawEnlargedRow(wide, y, out);
     return out;
 }
 
@@ -123,17 +127,33 @@ void blurCells(const StoredImage& averages, const std::vector<float>& weights,
     blurred.write(out, cells);
 }
 
-TilePlanes enlargedBlur(const StoredImage& blurred, int factor, const PixelRect& rect,
-                        TileArena& arena)
+TilePlanes widenedBlur(const StoredImage& blurred, int factor, const PixelRect& rect,
+                       TileArena& arena)
 {
     const int levels = levelsBetween(1, factor);
     TilePlanes planes = blurred.read(coarserCells(rect, levels), arena);
-    for (int level = levels - 1; level >= 0; --level)
+    for (int level = levels - 1; level > 0; --level)
         planes = doubledPlanes(planes, coarserCells(rect, level), arena);
-    // A view of what was asked for; its rows have room behind them.
+    return widenedPlanes(planes, rect, arena);
+}
+
+void drawEnlargedRow(const TilePlanes& widened, int y, const TilePlanes& planes)
+{
+    const int near = floorDivided(y, 2);
+    const int far = y == 2 * near ? near - 1 : near + 1;
+    const int x = planes.rect.x0;
     for (int c = 0; c < planes.channels(); ++c)
-        planes.plane[c] = planes.at(c, rect.x0, rect.y0);
-    planes.rect = rect;
+        doubleDown(widened.at(c, x, near), widened.at(c, x, far), planes.row(c, y),
+                   planes.rect.width());
+}
+
+TilePlanes enlargedBlur(const StoredImage& blurred, int factor, const PixelRect& rect,
+                        TileArena& arena)
+{
+    const TilePlanes widened = widenedBlur(blurred, factor, rect, arena);
+    const TilePlanes planes = arena.planes(rect, blurred.opaque());
+    for (int y = rect.y0; y < rect.y1; ++y)
+        drawEnlargedRow(widened, y, planes);
     return planes;
 }
 

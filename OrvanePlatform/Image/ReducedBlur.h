@@ -19,6 +19,11 @@ void averageCells(const StoredImage& finer, CoarseEdges edges, const PixelRect& 
 void blurCells(const StoredImage& averages, const std::vector<float>& weights,
                const PixelRect& cells, CoarseEdges edges, StoredImage& blurred, TileArena& arena);
 
+/// A blur from its cells, as wide as `rect` but still half as high.
+TilePlanes widenedBlur(const StoredImage& blurred, int factor, const PixelRect& rect,
+                       TileArena& arena);
+/// Row y of full-size pixels from that.
+void drawEnlargedRow(const TilePlanes& widened, int y, const TilePlanes& planes);
 /// Full-size pixels of a blur from its cells.
 TilePlanes enlargedBlur(const StoredImage& blurred, int factor, const PixelRect& rect,
                         TileArena& arena);

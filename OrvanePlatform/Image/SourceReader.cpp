@@ -333,19 +333,23 @@ void widenRow(const Bitmap& bitmap, const uint8_t* row, int x, const RowTarget& 
 
 TilePlanes readSource(const Bitmap& bitmap, const PixelRect& rect, TileArena& arena)
 {
-    TilePlanes planes = arena.planes(rect, !bitmap.hasAlpha());
-    const bool whole = bitmap.type() == SampleType::U8 || bitmap.type() == SampleType::U16;
-    for (int y = rect.y0; y < rect.y1; ++y) {
-        const RowTarget to{{planes.row(0, y), planes.row(1, y), planes.row(2, y)},
-                           planes.opaque() ? nullptr : planes.row(3, y),
-                           rect.width()};
-        widenRow(bitmap, bitmap.row(bitmap.height() - 1 - y), rect.x0, to);
-        if (whole && bitmap.conversion.matrix)
-            applyMatrix(bitmap.conversion.matrix->data(), to.rgb, to.count);
-        if (to.alpha)
-            premultiply(to.rgb, to.alpha, to.count);
-    }
+    const TilePlanes planes = arena.planes(rect, !bitmap.hasAlpha());
+    for (int y = rect.y0; y < rect.y1; ++y)
+        readSourceRow(bitmap, y, planes);
     return planes;
+}
+
+void readSourceRow(const Bitmap& bitmap, int y, const TilePlanes& planes)
+{
+    const RowTarget to{{planes.row(0, y), planes.row(1, y), planes.row(2, y)},
+                       planes.opaque() ? nullptr : planes.row(3, y),
+                       planes.rect.width()};
+    widenRow(bitmap, bitmap.row(bitmap.height() - 1 - y), planes.rect.x0, to);
+    const bool whole = bitmap.type() == SampleType::U8 || bitmap.type() == SampleType::U16;
+    if (whole && bitmap.conversion.matrix)
+        applyMatrix(bitmap.conversion.matrix->data(), to.rgb, to.count);
+    if (to.alpha)
+        premultiply(to.rgb, to.alpha, to.count);
 }
 
 } // namespace orvane

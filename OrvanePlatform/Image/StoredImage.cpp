@@ -7,16 +7,31 @@
 
 namespace orvane {
 
-StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format, int rows)
+namespace {
+
+/// An odd number of cache lines, so that the rows above one another do not share their places in
+/// the first-level cache.
+std::ptrdiff_t strideFor(int width, size_t elementSize)
+{
+    const std::ptrdiff_t line = std::ptrdiff_t(64 / elementSize);
+    const std::ptrdiff_t lines = (width + line - 1) / line;
+    return (lines + (lines % 2 == 0 ? 1 : 0)) * line;
+}
+
+} // namespace
+
+StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format, int rows,
+                         const std::shared_ptr<SpareMemory>& spares)
     : m_rect(rect)
     , m_rows(rows)
     , m_opaque(opaque)
     , m_format(format)
-    , m_stride((rect.width() + rowPadding - 1) / rowPadding * rowPadding)
+    , m_stride(strideFor(rect.width(), elementSize()))
     , m_planeElements(size_t(m_stride) * size_t(rows))
     // The padding lets whole vectors be read past the end of the last row.
-    , m_memory(new uint8_t[m_planeElements * elementSize() * size_t(opaque ? 3 : 4)
-                           + rowPadding * sizeof(float)])
+    , m_memory(m_planeElements * elementSize() * size_t(opaque ? 3 : 4)
+                   + rowPadding * sizeof(float),
+               spares)
 {
 }
 
@@ -24,7 +39,7 @@ uint8_t* StoredImage::element(int channel, int x, int y) const
 {
     const size_t index = size_t(channel) * m_planeElements
         + size_t((y - m_rect.y0) % m_rows) * size_t(m_stride) + size_t(x - m_rect.x0);
-    return m_memory.get() + index * elementSize();
+    return m_memory.data() + index * elementSize();
 }
 
 float* StoredImage::floatRow(int channel, int y)
@@ -61,25 +76,42 @@ void StoredImage::write(const TilePlanes& planes, const PixelRect& rect)
     }
 }
 
+std::optional<TilePlanes> StoredImage::view(const PixelRect& rect)
+{
+    const int first = (rect.y0 - m_rect.y0) % m_rows;
+    if (m_format != StoredFormat::Float || first + rect.height() > m_rows)
+        return {};
+    TilePlanes planes;
+    planes.rect = rect;
+    planes.stride = m_stride;
+    for (int c = 0; c < (m_opaque ? 3 : 4); ++c)
+        planes.plane[c] = floatRow(c, rect.y0) + (rect.x0 - m_rect.x0);
+    return planes;
+}
+
 TilePlanes StoredImage::read(const PixelRect& rect, TileArena& arena) const
 {
-    TilePlanes planes = arena.planes(rect, m_opaque);
+    const TilePlanes planes = arena.planes(rect, m_opaque);
+    for (int y = rect.y0; y < rect.y1; ++y)
+        readRow(y, planes);
+    return planes;
+}
+
+void StoredImage::readRow(int y, const TilePlanes& planes) const
+{
+    const PixelRect& rect = planes.rect;
     const size_t rowBytes = size_t(rect.width()) * elementSize();
     for (int c = 0; c < planes.channels(); ++c) {
-        for (int y = rect.y0; y < rect.y1; ++y) {
-            const void* from = element(c, rect.x0, y);
-            // A tile's row ends before the processor has seen where the reading goes.
-            const uint8_t* next = element(c, rect.x0, std::min(y + 1, rect.y1 - 1));
-            for (size_t i = 0; i < rowBytes; i += 64)
-                __builtin_prefetch(next + i);
-            if (m_format == StoredFormat::Float)
-                std::memcpy(planes.row(c, y), from, size_t(rect.width()) * sizeof(float));
-            else
-                floatsFromHalves(static_cast<const uint16_t*>(from), planes.row(c, y),
-                                 rect.width());
-        }
+        const void* from = element(c, rect.x0, y);
+        // A tile's row ends before the processor has seen where the reading goes.
+        const uint8_t* next = element(c, rect.x0, std::min(y + 1, rect.y1 - 1));
+        for (size_t i = 0; i < rowBytes; i += 64)
+            __builtin_prefetch(next + i);
+        if (m_format == StoredFormat::Float)
+            std::memcpy(planes.row(c, y), from, size_t(rect.width()) * sizeof(float));
+        else
+            floatsFromHalves(static_cast<const uint16_t*>(from), planes.row(c, y), rect.width());
     }
-    return planes;
 }
 
 } // namespace orvane

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "PixelMemory.h"
 #include "TilePlanes.h"
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 
 namespace orvane {
 
@@ -19,7 +20,8 @@ enum class StoredFormat { Half, Float };
 /// place of row y + rows.
 class StoredImage {
 public:
-    StoredImage(const PixelRect& rect, bool opaque, StoredFormat format, int rows);
+    StoredImage(const PixelRect& rect, bool opaque, StoredFormat format, int rows,
+                const std::shared_ptr<SpareMemory>& spares = {});
     StoredImage(const PixelRect& rect, bool opaque, StoredFormat format)
         : StoredImage(rect, opaque, format, rect.height())
     {
@@ -33,6 +35,10 @@ public:
     void write(const TilePlanes& planes, const PixelRect& rect);
     /// The rectangle as floats; it must lie within this one's.
     TilePlanes read(const PixelRect& rect, TileArena& arena) const;
+    /// One of its rows into row y of `planes`, which must lie within this one's rectangle.
+    void readRow(int y, const TilePlanes& planes) const;
+    /// The rectangle where it lies, if it lies there as floats and in one piece; not to be written.
+    std::optional<TilePlanes> view(const PixelRect& rect);
     /// Direct access to a row of floats; only of images in StoredFormat::Float.
     float* floatRow(int channel, int y);
     const float* floatRow(int channel, int y) const;
@@ -47,7 +53,7 @@ private:
     StoredFormat m_format;
     std::ptrdiff_t m_stride;
     size_t m_planeElements;
-    std::unique_ptr<uint8_t[]> m_memory;
+    PixelMemory m_memory;
 };
 
 } // namespace orvane

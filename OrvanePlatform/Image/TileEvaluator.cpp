@@ -78,6 +78,7 @@ TileEvaluator::TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>
     , m_stored(stored)
     , m_tables(tables)
     , m_groups(pass)
+    , m_lastByRows(m_groups.oneRow.back())
     , m_lastRead(pass.steps.size())
     , m_drawn(pass.steps.size())
     , m_arena(arena)
@@ -95,6 +96,34 @@ TileEvaluator::TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>
 
 TilePlanes TileEvaluator::draw(const PixelRect& rect)
 {
+    m_groups.oneRow.back() = false;
+    return drawWhole(rect);
+}
+
+TilePlanes TileEvaluator::drawWhole(const PixelRect& rect)
+{
+    drawSteps(rect);
+    m_runs.flush();
+    const Drawn& result = m_drawn.back();
+    return coveringPlanes(result.empty ? TilePlanes{} : result.planes, rect, m_arena);
+}
+
+void TileEvaluator::draw(const PixelRect& rect, const RowTarget& target)
+{
+    // What ends within the rectangle is copied into zeros.
+    m_groups.oneRow.back() = m_lastByRows && m_pass.steps.back().node->extent.contains(rect);
+    if (!m_groups.oneRow.back())
+        return target(drawWhole(rect), rect);
+    drawSteps(rect);
+    if (m_drawn.back().empty)
+        return target(coveringPlanes({}, rect, m_arena), rect);
+    const TilePlanes planes = m_drawn.back().planes;
+    m_runs.add(rect, [&](int y) { target(planes, {rect.x0, y, rect.x1, y + 1}); }, {planes});
+    m_runs.flush();
+}
+
+void TileEvaluator::drawSteps(const PixelRect& rect)
+{
     m_arena.reset();
     requestedRects(m_pass, rect, m_requests);
     for (size_t i = 0; i < m_pass.steps.size(); ++i) {
@@ -106,9 +135,6 @@ TilePlanes TileEvaluator::draw(const PixelRect& rect)
             m_arena.letGo(m_drawn[input].planes);
         m_arena.sweep();
     }
-    m_runs.flush();
-    const Drawn& result = m_drawn.back();
-    return coveringPlanes(result.empty ? TilePlanes{} : result.planes, rect, m_arena);
 }
 
 void TileEvaluator::drawStep(size_t index)
@@ -125,7 +151,7 @@ void TileEvaluator::drawStep(size_t index)
         return;
     drawn.reusable = true;
     drawn.planes = step.stored >= 0
-        ? drawStored(step, rect)
+        ? drawStored(index, step, rect)
         : std::visit([&](const auto& node) { return drawNode(index, step, node, rect); },
                      step.node->data);
     if (drawn.empty)
@@ -141,19 +167,38 @@ TilePlanes TileEvaluator::input(const PlanStep& step, size_t n, const PixelRect&
     return coveringPlanes(drawn.empty ? TilePlanes{} : drawn.planes, rect, m_arena);
 }
 
-TilePlanes TileEvaluator::drawStored(const PlanStep& step, const PixelRect& rect)
+TilePlanes TileEvaluator::drawStored(size_t index, const PlanStep& step, const PixelRect& rect)
 {
-    const auto index = size_t(step.stored);
-    const StoredPlan& plan = m_storedPlans[index];
-    if (plan.form == StoredPlan::Form::ReducedBlur)
-        return enlargedBlur(*m_stored[index], plan.factor, rect, m_arena);
-    return m_stored[index]->read(rect, m_arena);
+    const StoredPlan& plan = m_storedPlans[size_t(step.stored)];
+    StoredImage& image = *m_stored[size_t(step.stored)];
+    if (plan.form == StoredPlan::Form::ReducedBlur) {
+        if (!m_groups.oneRow[index])
+            return enlargedBlur(image, plan.factor, rect, m_arena);
+        const TilePlanes widened = widenedBlur(image, plan.factor, rect, m_arena);
+        const TilePlanes row = m_arena.rowPlanes(rect, image.opaque());
+        m_runs.add(rect, [=](int y) { drawEnlargedRow(widened, y, row); }, {widened, row});
+        return row;
+    }
+    if (const auto view = image.view(rect)) {
+        m_drawn[index].reusable = false;
+        return *view;
+    }
+    if (!m_groups.oneRow[index])
+        return image.read(rect, m_arena);
+    const TilePlanes row = m_arena.rowPlanes(rect, image.opaque());
+    m_runs.add(rect, [&image, row](int y) { image.readRow(y, row); }, {row});
+    return row;
 }
 
-TilePlanes TileEvaluator::drawNode(size_t, const PlanStep&, const SourceNode& node,
+TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep&, const SourceNode& node,
                                    const PixelRect& rect)
 {
-    return readSource(*node.bitmap, rect, m_arena);
+    const Bitmap& bitmap = *node.bitmap;
+    if (!m_groups.oneRow[index])
+        return readSource(bitmap, rect, m_arena);
+    const TilePlanes row = m_arena.rowPlanes(rect, !bitmap.hasAlpha());
+    m_runs.add(rect, [&bitmap, row](int y) { readSourceRow(bitmap, y, row); }, {row});
+    return row;
 }
 
 /// The one input whose pixels are the result over the whole tile, or -1. Without any pixels, every
@@ -212,7 +257,7 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Poi
     if (run.opaque && node.kernel->rule == OpaqueRule::KeepsAlpha)
         run.output.plane[3] = nullptr;
     else if (run.output.opaque())
-        run.output.plane[3] = m_arena.floats(planeSize(run.output));
+        m_arena.addPlane(run.output, 3);
     run.run = run.opaque ? node.kernel->opaque : node.kernel->general;
     m_runs.add(run);
     return run.output;

@@ -5,6 +5,7 @@
 #include "StoredImage.h"
 #include "TilePlanes.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -45,6 +46,9 @@ public:
     /// The last step's pixels over `rect`, transparent beyond its extent. Valid until the scratch
     /// memory is next used.
     TilePlanes draw(const PixelRect& rect);
+    /// The same handed out in rows, or in more at a time, while they are in the first-level cache.
+    using RowTarget = std::function<void(const TilePlanes& planes, const PixelRect& rows)>;
+    void draw(const PixelRect& rect, const RowTarget& target);
 
 private:
     struct Drawn {
@@ -54,6 +58,8 @@ private:
             false; ///< the memory is this step's alone: a pointwise reader may draw into it
     };
 
+    TilePlanes drawWhole(const PixelRect& rect);
+    void drawSteps(const PixelRect& rect);
     void drawStep(size_t index);
     TilePlanes input(const PlanStep& step, size_t n, const PixelRect& rect);
     TilePlanes withRecipesAlpha(const PlanStep& step, TilePlanes planes);
@@ -61,7 +67,7 @@ private:
     TilePlanes pointwiseOutput(size_t index, const PlanStep& step, bool opaque);
     TilePlanes passedOn(size_t index, size_t from, const PixelRect& rect);
 
-    TilePlanes drawStored(const PlanStep& step, const PixelRect& rect);
+    TilePlanes drawStored(size_t index, const PlanStep& step, const PixelRect& rect);
     TilePlanes drawNode(size_t index, const PlanStep& step, const SourceNode& node,
                         const PixelRect& rect);
     TilePlanes drawNode(size_t index, const PlanStep& step, const PointwiseNode& node,
@@ -90,6 +96,7 @@ private:
     const std::vector<std::shared_ptr<StoredImage>>& m_stored;
     const PassTables& m_tables;
     RowGroups m_groups;
+    const bool m_lastByRows;
     std::vector<std::vector<size_t>> m_lastRead; ///< by step: the inputs that no later step reads
     std::vector<PixelRect> m_requests;
     std::vector<Drawn> m_drawn;

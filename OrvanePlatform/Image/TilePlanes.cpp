@@ -12,78 +12,71 @@ constexpr size_t largestRow = 8192;
 
 } // namespace
 
-float* TileArena::floats(size_t count)
+size_t TileArena::take(size_t count)
 {
     // Whole cache lines, and room for a kernel's last vector to write past the end.
     const size_t size = (count + rowPadding + lineFloats - 1) / lineFloats * lineFloats;
-    // Rows and planes are kept apart: a row would take a plane's piece, and a plane find none.
-    const bool plane = size > largestRow;
-    Piece* best = nullptr;
-    Piece* tooSmall = nullptr;
-    for (Piece& piece : m_pieces) {
-        if (piece.used || (piece.size > largestRow) != plane)
-            continue;
-        if (piece.size >= size)
-            best = !best || piece.takenBack > best->takenBack ? &piece : best;
-        else
-            tooSmall = &piece;
-    }
-    if (!best) {
+    std::vector<size_t>& free = size > largestRow ? m_freePlanes : m_freeRows;
+    size_t piece = 0;
+    const auto large = std::find_if(free.rbegin(), free.rend(),
+                                    [&](size_t index) { return m_pieces[index].size >= size; });
+    if (large != free.rend()) {
+        piece = *large;
+        free.erase(std::next(large).base());
+    } else if (!free.empty()) {
         // One that is too small grows: there are never more pieces than are in use at once.
-        best = tooSmall ? tooSmall : &m_pieces.emplace_back();
-        grow(*best, size);
+        piece = free.back();
+        free.pop_back();
+        grow(piece, size);
+    } else {
+        piece = m_pieces.size();
+        m_pieces.emplace_back();
+        grow(piece, size);
     }
-    best->used = true;
-    best->holders = 0;
-    return best->start;
+    m_used.push_back(piece);
+    return piece;
 }
 
-void TileArena::grow(Piece& piece, size_t size)
+void TileArena::grow(size_t piece, size_t size)
 {
-    piece.memory.reset();
-    piece.memory.reset(new float[size + lineFloats + pageFloats]);
-    piece.size = size;
+    PixelMemory& memory = m_pieces[piece].memory;
+    memory = {};
+    memory = PixelMemory((size + lineFloats + pageFloats) * sizeof(float));
+    auto* start = static_cast<float*>(static_cast<void*>(memory.data()));
+    m_pieces[piece].size = size;
     // Each piece begins on another line of a page: a pixel program walks through many planes side
     // by side, and they must not all fall into the same few places of the first-level cache.
-    const size_t past =
-        reinterpret_cast<uintptr_t>(piece.memory.get()) / sizeof(float) % pageFloats;
-    const size_t line = size_t(&piece - m_pieces.data()) * 11 % (pageFloats / lineFloats);
-    piece.start = piece.memory.get() + (line * lineFloats + pageFloats - past) % pageFloats;
-}
-
-TileArena::Piece* TileArena::pieceOf(const float* address)
-{
-    const auto piece = std::find_if(m_pieces.begin(), m_pieces.end(), [&](const Piece& p) {
-        return address >= p.start && address < p.start + p.size;
-    });
-    return piece == m_pieces.end() ? nullptr : &*piece;
+    const size_t past = reinterpret_cast<uintptr_t>(start) / sizeof(float) % pageFloats;
+    const size_t line = piece * 11 % (pageFloats / lineFloats);
+    m_pieces[piece].start = start + (line * lineFloats + pageFloats - past) % pageFloats;
 }
 
 void TileArena::hold(const TilePlanes& planes)
 {
-    for (const float* plane : planes.plane) {
-        if (Piece* piece = plane ? pieceOf(plane) : nullptr)
-            ++piece->holders;
+    for (int c = 0; c < 4; ++c) {
+        if (planes.plane[c] && planes.piece[c] != TilePlanes::noPiece)
+            ++m_pieces[size_t(planes.piece[c])].holders;
     }
 }
 
 void TileArena::letGo(const TilePlanes& planes)
 {
-    for (const float* plane : planes.plane) {
-        if (Piece* piece = plane ? pieceOf(plane) : nullptr)
-            --piece->holders;
+    for (int c = 0; c < 4; ++c) {
+        if (planes.plane[c] && planes.piece[c] != TilePlanes::noPiece)
+            --m_pieces[size_t(planes.piece[c])].holders;
     }
 }
 
 void TileArena::sweep()
 {
-    ++m_sweeps;
-    for (Piece& piece : m_pieces) {
-        if (piece.used && piece.holders <= 0) {
-            piece.used = false;
-            piece.takenBack = m_sweeps;
-        }
+    size_t kept = 0;
+    for (const size_t index : m_used) {
+        if (m_pieces[index].holders > 0)
+            m_used[kept++] = index;
+        else
+            (m_pieces[index].size > largestRow ? m_freePlanes : m_freeRows).push_back(index);
     }
+    m_used.resize(kept);
 }
 
 void TileArena::reset()
@@ -100,10 +93,16 @@ TilePlanes TileArena::planes(const PixelRect& rect, bool opaque)
     // An odd number of cache lines, so that the rows above one another do not share their places.
     planes.stride = (rect.width() + 15) / 16 * 16;
     planes.stride += planes.stride / 16 % 2 == 0 ? 16 : 0;
-    const size_t size = size_t(planes.stride) * size_t(rect.height());
     for (int c = 0; c < (opaque ? 3 : 4); ++c)
-        planes.plane[c] = floats(size);
+        addPlane(planes, c);
     return planes;
+}
+
+void TileArena::addPlane(TilePlanes& planes, int channel)
+{
+    const size_t piece = take(planeSize(planes));
+    planes.piece[channel] = int(piece);
+    planes.plane[channel] = m_pieces[piece].start;
 }
 
 TilePlanes TileArena::rowPlanes(const PixelRect& rect, bool opaque)
@@ -111,7 +110,7 @@ TilePlanes TileArena::rowPlanes(const PixelRect& rect, bool opaque)
     TilePlanes planes;
     planes.rect = rect;
     for (int c = 0; c < (opaque ? 3 : 4); ++c)
-        planes.plane[c] = floats(size_t(rect.width()));
+        addPlane(planes, c);
     return planes;
 }
 
@@ -125,9 +124,8 @@ void addOpaqueAlpha(TilePlanes& planes, TileArena& arena)
 {
     if (!planes.opaque())
         return;
-    const size_t size = planeSize(planes);
-    planes.plane[3] = arena.floats(size);
-    std::fill_n(planes.plane[3], size, 1.0f);
+    arena.addPlane(planes, 3);
+    std::fill_n(planes.plane[3], planeSize(planes), 1.0f);
 }
 
 TilePlanes coveringPlanes(const TilePlanes& planes, const PixelRect& rect, TileArena& arena)

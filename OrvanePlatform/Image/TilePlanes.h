@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PixelKernels.h"
+#include "PixelMemory.h"
 #include "PixelRect.h"
 
 #include <cstddef>
@@ -16,6 +17,9 @@ struct TilePlanes {
     PixelRect rect;
     float* plane[4] = {};
     std::ptrdiff_t stride = 0;
+    /// Where the memory is from: pieces of a TileArena, or elsewhere.
+    static constexpr int noPiece = -1;
+    int piece[4] = {noPiece, noPiece, noPiece, noPiece};
 
     bool opaque() const { return plane[3] == nullptr; }
     int channels() const { return opaque() ? 3 : 4; }
@@ -31,7 +35,9 @@ public:
     TilePlanes planes(const PixelRect& rect, bool opaque);
     /// Planes of one row that stands for all of them.
     TilePlanes rowPlanes(const PixelRect& rect, bool opaque);
-    float* floats(size_t count);
+    /// Memory for a plane that has none yet.
+    void addPlane(TilePlanes& planes, int channel);
+    float* floats(size_t count) { return m_pieces[take(count)].start; }
 
     /// The memory of the planes outlives `sweep` until it has been let go as often as held.
     void hold(const TilePlanes& planes);
@@ -43,19 +49,21 @@ public:
 
 private:
     struct Piece {
-        std::unique_ptr<float[]> memory;
+        PixelMemory memory;
         float* start = nullptr; ///< on a cache line
         size_t size = 0;
         int holders = 0;
-        bool used = false;
-        uint64_t takenBack = 0; ///< when, in sweeps
     };
 
-    void grow(Piece& piece, size_t size);
-    Piece* pieceOf(const float* address);
+    size_t take(size_t count);
+    void grow(size_t piece, size_t size);
 
     std::vector<Piece> m_pieces;
-    uint64_t m_sweeps = 0;
+    std::vector<size_t> m_used;
+    /// The last taken back is the last. Rows and planes are kept apart: a row would take a plane's
+    /// piece, and a plane find none.
+    std::vector<size_t> m_freeRows;
+    std::vector<size_t> m_freePlanes;
 };
 
 /// Floats of one of its planes.

@@ -13,7 +13,7 @@ namespace {
 
 /// Part of a row of a resampling, at most BilinearWindow::longestRun pixels of it.
 void sampleRow(const WarpNode& node, const BilinearWindow& window, int x, int y, int count,
-               TilePlanes& out)
+               const TilePlanes& out)
 {
     double positions[6][BilinearWindow::longestRun];
     const WarpPositions at{{positions[0], positions[1], positions[2]},
@@ -53,7 +53,7 @@ TilePlanes TileEvaluator::withRecipesAlpha(const PlanStep& step, TilePlanes plan
     return planes;
 }
 
-TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WarpNode& node,
+TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const WarpNode& node,
                                    const PixelRect& rect)
 {
     const Drawn& drawn = m_drawn[size_t(step.inputs[0])];
@@ -62,13 +62,21 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const WarpNode&
     const PixelRect reach =
         roundedOutward(node.kernel->region(node.parameters.record.data(), rect).inset(-1.5, -1.5));
     const bool inside = !reach.isEmpty() && step.node->inputs[0]->extent.contains(reach);
-    TilePlanes out = m_arena.planes(rect, inside && drawn.planes.opaque());
+    const bool opaque = inside && drawn.planes.opaque();
     const BilinearWindow window(drawn.planes, reach, m_arena);
-    constexpr int run = BilinearWindow::longestRun;
-    for (int y = rect.y0; y < rect.y1; ++y) {
+    const auto drawRow = [&node, rect, window](int y, const TilePlanes& out) {
+        constexpr int run = BilinearWindow::longestRun;
         for (int x = rect.x0; x < rect.x1; x += run)
             sampleRow(node, window, x, y, std::min(run, rect.x1 - x), out);
+    };
+    if (m_groups.oneRow[index]) {
+        const TilePlanes row = m_arena.rowPlanes(rect, opaque);
+        m_runs.add(rect, [drawRow, row](int y) { drawRow(y, row); }, {window.planes(), row});
+        return row;
     }
+    const TilePlanes out = m_arena.planes(rect, opaque);
+    for (int y = rect.y0; y < rect.y1; ++y)
+        drawRow(y, out);
     return out;
 }
 

@@ -7,6 +7,8 @@
 #include "TilePlanes.h"
 
 #include <functional>
+#include <mutex>
+#include <vector>
 
 namespace orvane {
 
@@ -35,6 +37,13 @@ public:
                       const DrawOptions& options, RowSink& sink) const;
 
 private:
+    /// Scratch memory, one for each worker. Draws of previews leave theirs to the next: to touch it
+    /// for the first time takes longer than some of them.
+    std::vector<TileArena> arenas() const;
+    void leave(std::vector<TileArena> arenas) const;
+
+    mutable std::mutex m_mutex;
+    mutable std::vector<TileArena> m_arenas;
     ThreadPool& m_pool;
     IntermediateCache& m_cache;
     const CIContext::Options& m_settings;

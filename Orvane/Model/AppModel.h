@@ -187,12 +187,74 @@ public:
     /// Of the parked edits: park first.
     bool sessionHasMissingLut() const;
 
-    // ---- Crop and relight ---------------------------------------------------------------------
+    // ---- Crop and canvas ----------------------------------------------------------------------
 
+    // While the crop tool is open, what it changes stays out of history.
+    void enterCrop();
     /// Leaves the crop tool; a changed crop becomes one step.
     void finishCrop();
+    /// Leaves the crop tool, with crop and ratio as they were when it opened.
+    void cancelCrop();
+    /// Chooses a ratio and fits the crop to it.
+    void setAspect(const std::string& id);
+    /// Fractions of the turned and flipped picture, y from the top.
+    void setCropNative(const CGRect& rect);
+    /// "h" mirrors left to right, any other text top to bottom.
+    void flip(const std::string& axis);
+    /// One of canvasShapes; any other id means no canvas.
+    void setCanvasShape(const std::string& id);
+
+    // ---- Relight ------------------------------------------------------------------------------
+
+    /// Opens the tool, with a first light in the middle when there is none.
+    void enterRelight();
     /// Leaves the relight tool; lights and steps stay.
     void exitRelight();
+    /// Leaves the relight tool; changed lights become what they were, and so does history.
+    void cancelRelight();
+    /// Makes a light of a kind (see newLight()), selects it and opens the tool.
+    void addLightAt(const std::string& kind, double x, double y);
+    void selectLight(const std::string& id);
+    /// Writes one of the numbers of a light, by its name; not held to any range.
+    void updateLight(const std::string& id, const std::string& field, double value);
+    void setLightInverted(const std::string& id, bool inverted);
+    void deleteLight(const std::string& id);
+    void clearLights();
+    /// Adds a finished stroke to a brush, in fractions of the picture, y from the top.
+    void appendStroke(const std::string& id, const std::vector<CGPoint>& points);
+
+    // ---- Retouch and white balance ------------------------------------------------------------
+
+    /// Arms or disarms the retouch brush. At most one of it and the picker is armed.
+    void toggleHeal();
+    /// One spot for each point of a stroke, in fractions of the picture, y from the top.
+    void healStrokeNative(const std::vector<CGPoint>& points);
+    /// Takes back the last spot, not the last stroke.
+    void undoLastHeal();
+    void clearHealSpots();
+    /// Arms or disarms the white balance picker.
+    void pickWhiteBalance();
+    /// Makes the pixel there grey and disarms the picker: fractions of the picture, y from the top.
+    void pickWhiteNative(double nx, double ny);
+
+    // ---- Text ---------------------------------------------------------------------------------
+
+    /// The system's font, then each family by its name.
+    static const std::vector<LookItem>& textFonts();
+    void addText();
+    // An id that no layer has makes these do nothing; the empty one selects none.
+    void selectText(const std::string& id);
+    void setText(const std::string& id, const std::string& text);
+    void setTextSize(const std::string& id, double size);
+    void setTextColor(const std::string& id, const std::string& hex);
+    void setTextFont(const std::string& id, const std::string& font);
+    void setTextShadow(const std::string& id, bool shadow);
+    void setTextPosition(const std::string& id, double x, double y);
+    /// One place towards the top, or towards the picture.
+    void moveText(const std::string& id, bool forward);
+    void deleteText(const std::string& id);
+    /// The layer's place, counted from 1, which is also the answer for an unknown one.
+    int textLayerNumber(const std::string& id) const;
 
 private:
     /// An edit on its way to the store.

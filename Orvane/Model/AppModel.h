@@ -3,6 +3,7 @@
 #include "AppModelFields.h"
 #include "Desktop.h"
 #include "EditStateJSON.h"
+#include "ExportQueue.h"
 #include "LatestJob.h"
 #include "LutStore.h"
 #include "PhotoSource.h"
@@ -29,6 +30,8 @@ public:
     using AdjustGroup = Schema::File::Group;
     using AdjustKey = Schema::File::Key;
     using SessionItem = SessionRules::Item<EditState>;
+    using ExportFormat = orvane::ExportFormat;
+    using ExportOptions = orvane::ExportOptions;
 
     /// What the model stands on; borrowed, and outlives it.
     struct Surroundings {
@@ -184,7 +187,7 @@ public:
     void removeLut();
     /// Loads what a lutID names into ciLUT, lutName and lutMissing.
     void ensureLut(const std::string& id);
-    /// Of the parked edits: park first.
+    /// Whether an edit of the open set names a LUT that the library cannot give.
     bool sessionHasMissingLut() const;
 
     // ---- Crop and canvas ----------------------------------------------------------------------
@@ -256,6 +259,40 @@ public:
     /// The layer's place, counted from 1, which is also the answer for an unknown one.
     int textLayerNumber(const std::string& id) const;
 
+    // ---- Export -------------------------------------------------------------------------------
+
+    /// What the fields ask for.
+    ExportOptions exportOptions() const;
+    /// The suggested name of an exported file; absent without a picture.
+    std::optional<std::string> activeExportName() const;
+    /// A batch is in flight.
+    bool isExportingAll() const { return exportFolder.value().has_value(); }
+    /// Opens the export sheet.
+    void exportImage();
+    /// Closes the sheet and exports.
+    void performExport();
+    /// The save panel, then the active picture into a file, in the background.
+    void exportNativeCI();
+    /// The active picture into a temporary file, which is offered to others.
+    void shareImage();
+    /// Every open picture into a folder, one after the other; with a policy of its own in place of
+    /// `exportMetadata`.
+    void exportAll(std::optional<Baker::Metadata> metadata = {});
+    /// Ends a batch: tells of the failures, one line each, and shows the folder.
+    void finishExportAll(int exported, const std::vector<std::string>& failed);
+    /// Stops the single export or share in flight at once; its target stays as it was.
+    void cancelExport();
+    /// Stops the batch in flight at once: finished files stay, the unfinished one goes.
+    void cancelExportAll();
+    bool confirmExportDespiteMissingLut(bool missing);
+
+    // From any thread.
+    /// The finished picture sized, with its metadata as asked, as the bytes of a file; absent when
+    /// the encoder fails.
+    static Baker::Bytes encodeCI(const CIImage& image, const ExportOptions& options);
+    /// Downscaled to the longest edge in pixels; never enlarged.
+    static CIImage resizedCI(const CIImage& image, int longEdge);
+
 private:
     /// An edit on its way to the store.
     struct PendingEdit {
@@ -285,12 +322,26 @@ private:
     void adoptPhotos(std::vector<PhotoSource::Photo> photos, bool append);
     std::string variantName(const std::string& name) const;
     void applyGradeOf(Looks::Look look);
+    std::optional<CGSize> cropFrame() const;
 
     Collection collectionOfSession(const std::string& name) const;
     bool storeCollections(const std::vector<Collection>& changed, const std::string& complaint);
     void finishLoading(const Collection& collection, std::vector<IncomingImage> incoming);
     void applyCollectionEdits(const Collection& collection);
     void reportMissingSources(const Collection& collection, bool partial);
+
+    /// A batch of exports in flight.
+    struct ExportBatch;
+
+    using ExportDone = std::function<void(const ExportEnd&)>;
+    void startExport(const std::filesystem::path& target, ExportDone done);
+    void finishShare(const std::string& name, const std::filesystem::path& file,
+                     const ExportEnd& end);
+    Result<void> mayExportTo(const std::filesystem::path& target) const;
+    ExportBatch exportBatch(const std::filesystem::path& folder, Baker::Metadata metadata) const;
+    void exportNext();
+    void takeBatchEnd(const std::string& name, const ExportEnd& end);
+    void finishCancelledBatch();
 
     Surroundings m_surroundings;
     Desktop& m_desktop;
@@ -301,7 +352,12 @@ private:
     /// Held weakly by what comes back later, so that it finds out when the model has gone.
     std::shared_ptr<AppModel*> m_alive;
     std::vector<std::pair<CIImage, size_t>> m_recentSources; ///< with their bytes, newest first
-    LatestJob m_lookJob; ///< last: it is waited for before anything that it reports to goes
+    std::shared_ptr<ExportQueue::Ticket> m_export; ///< of the single export or share in flight
+    std::filesystem::path m_shareFolder; ///< this run's own; empty until something is shared
+    std::shared_ptr<ExportBatch> m_batch; ///< in flight, otherwise null
+    // Last: they are waited for before anything that they report to goes.
+    ExportQueue m_exports;
+    LatestJob m_lookJob;
 };
 
 } // namespace orvane

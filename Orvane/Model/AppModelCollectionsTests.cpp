@@ -133,6 +133,39 @@ TEST_F(CollectionsTest, OpensWithItsOwnEdits)
                   "reopen."}));
 }
 
+// Files first, then photos, in the collection's order within each kind, whatever the library's is.
+TEST_F(CollectionsTest, OpensPhotosOfTheLibrary)
+{
+    FakePhotos library;
+    photos = &library;
+    restart();
+    const auto bytes = *readFile(picture("a.jpg"), 1'000'000);
+    Collection mixed{
+        "id", "Mixed", {"photos:1", source("a.jpg"), "photos:2", "photos:1", "?:x"}, {}, 0};
+    for (const double value : {1, 2, 3, 4, 5}) {
+        EditState state;
+        state.adjust["exposure"] = value;
+        mixed.edits.push_back(state);
+    }
+    const auto exposures = [&] {
+        std::vector<double> values;
+        for (const auto& item : model->sessionItems())
+            values.push_back(item.current.adjust.at("exposure"));
+        return values;
+    };
+    model->loadSources(mixed);
+    EXPECT_THAT(library.asked, ElementsAre("1", "2"));
+    EXPECT_TRUE(model->images().empty());
+    library.completion({{bytes, "two.jpg", "2"}, {bytes, "one.jpg", "1"}});
+    EXPECT_EQ(imageNames(), "a.jpg, one.jpg, two.jpg, one.jpg");
+    EXPECT_THAT(exposures(), ElementsAre(2, 1, 3, 4));
+    EXPECT_THAT(alertMessages(), ElementsAre("Some images couldn't be found"));
+
+    model->loadSources(mixed);
+    library.completion({{bytes, "two.jpg", "2"}});
+    EXPECT_THAT(exposures(), ElementsAre(2, 3));
+}
+
 TEST_F(CollectionsTest, AsksBeforeAChangedCollectionIsReplaced)
 {
     const Alert question{"Update “Trip”?",

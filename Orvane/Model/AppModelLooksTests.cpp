@@ -120,9 +120,9 @@ TEST_F(LutsTest, AreImportedIntoTheLibrary)
     EXPECT_TRUE(model->hasEdits());
 
     // The thumbnail is drawn with it.
-    const auto before = image(0).thumb->pixels;
+    const auto before = bytesOf(*image(0).thumb);
     model->parkActiveState();
-    EXPECT_NE(image(0).thumb->pixels, before);
+    EXPECT_NE(bytesOf(*image(0).thumb), before);
 
     // The imported file is not needed again.
     std::filesystem::remove(folder / "Film Look.cube");

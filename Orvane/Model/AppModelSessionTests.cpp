@@ -1,7 +1,5 @@
 #include "ModelTesting.h"
 
-#include "EditStateJSON.h"
-
 namespace orvane {
 namespace {
 
@@ -216,20 +214,6 @@ TEST_F(SessionTest, CarriesAStyleOver)
     for (size_t i = 0; i < 3; ++i)
         EXPECT_TRUE(image(i).history.canUndo()) << i;
 }
-
-/// A photo library with two photos that answers when it is told to.
-class FakePhotos : public PhotoSource {
-public:
-    void loadFullImages(const std::vector<std::string>& identifiers, Completion done) override
-    {
-        asked = identifiers;
-        completion = std::move(done);
-    }
-    void pickImages(Completion done) override { completion = std::move(done); }
-
-    std::vector<std::string> asked;
-    Completion completion;
-};
 
 TEST_F(SessionTest, TakesPhotosFromTheLibrary)
 {

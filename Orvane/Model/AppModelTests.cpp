@@ -88,7 +88,7 @@ TEST_F(ModelTest, ActivatingParksOneEditAndBringsTheOther)
     EXPECT_EQ(model->activeName(), "b.jpg");
     EXPECT_EQ(exposure(), 0);
     EXPECT_EQ(image(0).state.adjust.at("exposure"), 10);
-    EXPECT_NE(image(0).thumb->pixels, before->pixels);
+    EXPECT_NE(bytesOf(*image(0).thumb), bytesOf(*before));
     EXPECT_EQ(model->sourceImageVersion, version + 1);
     EXPECT_FALSE(model->history.value().canUndo());
     EXPECT_FALSE(model->lastLook.value());
@@ -210,8 +210,8 @@ TEST_F(ModelTest, DecodesAgainWhatWasLetGo)
     EXPECT_EQ(pixels->thumbBase().extent(), CGRect(0, 0, 64, 43));
     const auto drawn = Baker::cgImage(pixels->thumbBase());
     ASSERT_TRUE(drawn);
-    EXPECT_NEAR(drawn->pixels[2], 200, 1); // blue, green, red
-    EXPECT_NEAR(drawn->pixels[1], 10, 1);
+    EXPECT_NEAR(bytesOf(*drawn)[2], 200, 1); // blue, green, red
+    EXPECT_NEAR(bytesOf(*drawn)[1], 10, 1);
     EXPECT_FALSE(SourcePixels::decoded({1, 2, 3}));
 }
 
@@ -236,7 +236,7 @@ TEST_F(ModelTest, ReducesLargeImagesByAveragingFirst)
     for (int y = 0; y < slow->height; ++y) {
         for (int x = 0; x < slow->width * 4; ++x) {
             const auto pixel = [&](const CGImage& drawn) {
-                return int(drawn.pixels[size_t(y) * drawn.rowBytes + size_t(x)]);
+                return int(drawn.pixels.data()[size_t(y) * drawn.rowBytes + size_t(x)]);
             };
             largest = std::max(largest, std::abs(pixel(*quick) - pixel(*slow)));
         }

@@ -23,6 +23,13 @@ inline void PrintTo(const Alert& alert, std::ostream* out)
         *out << " [" << button << "]";
 }
 
+/// The bytes of a drawn picture.
+inline std::vector<uint8_t> bytesOf(const CGImage& drawn)
+{
+    const uint8_t* const bytes = drawn.pixels.data();
+    return {bytes, bytes + drawn.rowBytes * size_t(drawn.height)};
+}
+
 /// A small picture file of one colour, written without the engine and so without its threads.
 inline void writePicture(const std::filesystem::path& file, std::array<int, 3> color,
                          EncodedFormat format = EncodedFormat::Jpeg, int width = 96,
@@ -43,6 +50,20 @@ inline void writePicture(const std::filesystem::path& file, std::array<int, 3> c
         writeFile(file, {reinterpret_cast<const char*>(encoded.data()), encoded.size()});
     ASSERT_TRUE(written) << written.error().message;
 }
+
+/// A photo library that answers when the test says so.
+class FakePhotos final : public PhotoSource {
+public:
+    void loadFullImages(const std::vector<std::string>& identifiers, Completion done) override
+    {
+        asked = identifiers;
+        completion = std::move(done);
+    }
+    void pickImages(Completion done) override { completion = std::move(done); }
+
+    std::vector<std::string> asked;
+    Completion completion;
+};
 
 /// Tests of the model: a folder with pictures and stores, a scripted desktop, a clock set by hand.
 class ModelTest : public TemporaryFolder {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <system_error>
 
 namespace orvane {
 
@@ -15,8 +16,13 @@ struct ThreadPool::Running {
 ThreadPool::ThreadPool(int workers)
 {
     const int count = workers > 0 ? workers : std::max(1, int(std::thread::hardware_concurrency()));
-    for (int slot = 1; slot < count; ++slot)
-        m_threads.emplace_back([this, slot] { serve(slot); });
+    m_threads.reserve(size_t(count));
+    try {
+        for (int slot = 1; slot < count; ++slot)
+            m_threads.emplace_back([this, slot] { serve(slot); });
+    } catch (const std::system_error&) {
+        // The system gives no more: those that run do the work.
+    }
 }
 
 ThreadPool::~ThreadPool()
@@ -60,11 +66,13 @@ void ThreadPool::serve(int slot)
     std::unique_lock lock(m_mutex);
     while (!m_stopping) {
         const uint64_t seen = m_changes;
-        // A copy: the list may change while a step is under way.
-        const std::vector<std::shared_ptr<Running>> jobs = m_jobs;
-        const bool worked = std::any_of(jobs.rbegin(), jobs.rend(), [&](const auto& running) {
-            return doStep(*running, slot, lock) == Step::Worked;
-        });
+        bool worked = false;
+        for (size_t i = m_jobs.size(); i > 0 && !worked;) {
+            const std::shared_ptr<Running> running = m_jobs[i - 1];
+            worked = doStep(*running, slot, lock) == Step::Worked;
+            // The list may have changed while the step was under way; then `seen` has, too.
+            i = std::min(i - 1, m_jobs.size());
+        }
         if (!worked)
             m_changed.wait(lock, [&] { return m_stopping || m_changes != seen; });
     }

@@ -34,6 +34,32 @@ int bitsPerSample(const FileSettings& settings)
     return sixteen ? 16 : 8;
 }
 
+/// Hands rows on to an encoder and counts them.
+class CountedRows final : public RowSink {
+public:
+    CountedRows(PictureEncoder& encoder, int height, const Progress& progress)
+        : m_encoder(encoder)
+        , m_height(height)
+        , m_progress(progress)
+    {
+    }
+    PixelFormat format() const override { return m_encoder.format(); }
+    Result<void> writeRows(const uint8_t* rows, int count, size_t rowBytes) override
+    {
+        Result<void> written = m_encoder.writeRows(rows, count, rowBytes);
+        m_done += count;
+        if (written && m_progress)
+            m_progress(double(m_done) / m_height);
+        return written;
+    }
+
+private:
+    PictureEncoder& m_encoder;
+    int m_height;
+    int m_done = 0;
+    const Progress& m_progress;
+};
+
 Bytes encodedBytes(const CIImage& image, const FileSettings& settings)
 {
     MemoryByteSink bytes;
@@ -89,7 +115,7 @@ CIImage apply(const CIImage& image, Metadata metadata)
 }
 
 Result<void> encode(const CIImage& image, const FileSettings& settings, ByteSink& bytes,
-                    const DrawOptions& options)
+                    const DrawOptions& options, const Progress& progress)
 {
     if (!isDrawable(image))
         return Error{"The image has no pixels to write."};
@@ -106,7 +132,8 @@ Result<void> encode(const CIImage& image, const FileSettings& settings, ByteSink
     auto encoder = makePictureEncoder(file, bytes);
     if (!encoder)
         return encoder.error();
-    if (const Result<void> drawn = context().render(image, extent, **encoder, options); !drawn)
+    CountedRows rows(**encoder, file.height, progress);
+    if (const Result<void> drawn = context().render(image, extent, rows, options); !drawn)
         return drawn;
     return (*encoder)->finish();
 }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -42,12 +43,16 @@ struct FileSettings {
     bool sixteenBit = false; ///< PNG only: TIFF always holds 16 bits, the others 8
 };
 
+/// Told the share of the picture's rows, above 0 to 1, that the encoder has taken so far; from the
+/// engine's threads, one at a time.
+using Progress = std::function<void(double)>;
+
 /// Draws the image row by row straight into a file of its extent, with the properties it carries.
 /// Alpha is stored only where the image may have transparent pixels; JPEG gets it over black.
 /// Fails when the extent is infinite or empty, when the format cannot hold the picture, when the
 /// sink refuses the bytes, and with "Cancelled." The sink then holds part of a file.
 Result<void> encode(const CIImage& image, const FileSettings& settings, ByteSink& bytes,
-                    const DrawOptions& options = {});
+                    const DrawOptions& options = {}, const Progress& progress = {});
 
 /// The same into memory; absent where encode() fails.
 using Bytes = std::optional<std::vector<uint8_t>>;

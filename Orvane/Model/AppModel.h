@@ -341,7 +341,7 @@ private:
     ExportBatch exportBatch(const std::filesystem::path& folder, Baker::Metadata metadata) const;
     void exportNext();
     void takeBatchEnd(const std::string& name, const ExportEnd& end);
-    void finishCancelledBatch();
+    void finishCancelledBatch(bool wasUnfinished);
 
     Surroundings m_surroundings;
     Desktop& m_desktop;

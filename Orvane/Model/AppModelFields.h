@@ -34,6 +34,16 @@ struct Histogram {
     bool operator==(const Histogram&) const = default;
 };
 
+/// How far a batch of exports has come; its last value stays after it.
+struct BatchProgress {
+    int index = 0; ///< of the picture in hand, from 0
+    int count = 0;
+    std::string name; ///< of the picture in hand
+    double fraction = 0; ///< 0..1, of that picture
+
+    bool operator==(const BatchProgress&) const = default;
+};
+
 /// The observable fields of the model, each with the value it starts at. A field tells its
 /// observers only when it is set to a different value.
 struct AppModelFields {
@@ -113,6 +123,8 @@ struct AppModelFields {
     QProperty<bool> isExporting{false};
     QProperty<std::optional<std::filesystem::path>> exportFolder; ///< of the batch in flight
     QProperty<int> exportedCount{0};
+    QProperty<double> exportProgress{0}; ///< 0..1, of the single export or share in flight
+    QProperty<BatchProgress> batchProgress;
 
     // Updates.
     QProperty<std::optional<UpdateInfo>> availableUpdate;

@@ -73,7 +73,7 @@ bool AppModel::sessionHasMissingLut() const
 {
     const auto& open = session.value();
     return std::any_of(open.begin(), open.end(), [&](const EditImage& image) {
-        const std::string& id = image.state.lutID;
+        const std::string id = sessionItem(image).current.lutID;
         return !id.empty() && !m_lutStore.load(id);
     });
 }

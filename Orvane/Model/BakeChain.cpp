@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cctype>
 
+#include <unistd.h>
+
 namespace orvane {
 
 const ExportFormatInfo& info(ExportFormat format)
@@ -43,29 +45,50 @@ CIImage finishedImage(const CIImage& source, const EditState& state, const std::
 }
 
 Result<void> encode(const CIImage& finished, const ExportOptions& options, ByteSink& bytes,
-                    const DrawOptions& drawing)
+                    const DrawOptions& drawing, const Baker::Progress& progress)
 {
     const CIImage sized = Geometry::resized(finished, options.longEdge);
     const Baker::FileSettings settings{info(options.format).encoded, options.quality,
                                        options.png16};
-    return Baker::encode(Baker::apply(sized, options.metadata), settings, bytes, drawing);
+    return Baker::encode(Baker::apply(sized, options.metadata), settings, bytes, drawing, progress);
+}
+
+ExportEnd bakeFile(const CIImage& finished, const ExportOptions& options,
+                   const std::filesystem::path& target, const ExportWatch& watch)
+{
+    using enum ExportEnd::Kind;
+    const CancellationToken* const token = watch.drawing.cancellation;
+    Result<AtomicFile> file = AtomicFile::create(target);
+    if (!file)
+        return {NotWritten, file.error().message};
+    FileByteSink bytes(file->descriptor());
+    const Result<void> encoded = encode(finished, options, bytes, watch.drawing, watch.progress);
+    // An encoder may have been past its last look at the token.
+    if (token && token->isCancelled())
+        return {Cancelled, "Cancelled."};
+    // The sink remembers its first failure, however the encoder has worded it.
+    if (!bytes.flush())
+        return {NotWritten, bytes.failure()};
+    if (!encoded)
+        return {NotEncoded, encoded.error().message};
+    // What takes long comes before the last question, what comes after it is a rename. The file
+    // says itself what it has to say of a failure, when it commits.
+    ::fsync(file->descriptor());
+    std::error_code none;
+    if (!watch.replaces && std::filesystem::exists(target, none))
+        return {NotWritten, "A file of that name has come into the folder meanwhile."};
+    if (watch.mayFinish && !watch.mayFinish())
+        return {Cancelled, "Cancelled."};
+    if (const Result<void> committed = file->commit(); !committed)
+        return {NotWritten, committed.error().message};
+    return {};
 }
 
 Result<void> exportFile(const CIImage& finished, const ExportOptions& options,
                         const std::filesystem::path& target, const DrawOptions& drawing)
 {
-    Result<AtomicFile> file = AtomicFile::create(target);
-    if (!file)
-        return file.error();
-    FileByteSink bytes(file->descriptor());
-    if (Result<void> encoded = encode(finished, options, bytes, drawing); !encoded)
-        return encoded;
-    if (!bytes.flush())
-        return Error{"The disk is full, or the folder can no longer be written."};
-    // An encoder may have been past its last look at the token.
-    if (drawing.cancellation && drawing.cancellation->isCancelled())
-        return Error{"Cancelled."};
-    return file->commit();
+    const ExportEnd end = bakeFile(finished, options, target, {.drawing = drawing});
+    return end.kind == ExportEnd::Kind::Written ? Result<void>() : Error{end.reason};
 }
 
 } // namespace orvane

@@ -6,7 +6,9 @@
 #include "Result.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace orvane {
@@ -46,9 +48,35 @@ CIImage finishedImage(const CIImage& source, const EditState& state, const std::
 
 /// Sizes the finished picture, applies the metadata policy and encodes it into `bytes`.
 Result<void> encode(const CIImage& finished, const ExportOptions& options, ByteSink& bytes,
-                    const DrawOptions& drawing = {});
+                    const DrawOptions& drawing = {}, const Baker::Progress& progress = {});
 
-/// The same into a file that comes into being whole or not at all.
+/// What came of an export into a file.
+struct ExportEnd {
+    enum class Kind {
+        Written,
+        NotEncoded, ///< the picture could not be drawn, or not in this format
+        NotWritten, ///< the disk or the folder refused it
+        Cancelled,
+    };
+    Kind kind = Kind::Written;
+    std::string reason = {}; ///< one sentence, unless it was written
+};
+
+/// What an export into a file may be told on its way.
+struct ExportWatch {
+    DrawOptions drawing = {};
+    Baker::Progress progress = {};
+    /// Asked once, with all bytes on the disk; no: the file does not come into its place.
+    std::function<bool()> mayFinish = {};
+    /// Whether a file that is in the place already gives way.
+    bool replaces = true;
+};
+
+/// encode() into a file that comes into being whole or not at all.
+ExportEnd bakeFile(const CIImage& finished, const ExportOptions& options,
+                   const std::filesystem::path& target, const ExportWatch& watch);
+
+/// The same, without its details.
 Result<void> exportFile(const CIImage& finished, const ExportOptions& options,
                         const std::filesystem::path& target, const DrawOptions& drawing = {});
 

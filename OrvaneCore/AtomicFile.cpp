@@ -23,23 +23,40 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view temporaryPrefix = ".orvane-";
 
+/// Takes the lock that tells a temporary file from an abandoned one. It is held until the file is
+/// closed, also by a crash. False when another process is just cleaning up and came between the
+/// making of the file and its lock: then the name is gone, or about to go.
+bool isClaimed(int descriptor, const fs::path& temporary)
+{
+    // Not every file system has locks; where none is, no file is ever taken for abandoned.
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        return false;
+    struct stat status;
+    return ::lstat(temporary.c_str(), &status) == 0 || errno != ENOENT;
+}
+
 /// Creates a file of a fresh name beside the target and answers its descriptor, or -1 with errno.
 /// The name is short, so that a target with a name of the greatest length has room for it too.
 int openTemporary(const fs::path& target, fs::path& temporary)
 {
     static std::atomic<unsigned> counter = std::random_device()();
-    int descriptor = -1;
-    do {
+    while (true) {
         const std::string name = std::string(temporaryPrefix) + std::to_string(::getpid()) + "-"
             + std::to_string(counter++);
         temporary = folderOf(target) / name;
-        descriptor = ::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    } while (descriptor < 0 && (errno == EEXIST || errno == EINTR));
-    // Held until the file is closed, also by a crash: so a temporary file without a lock has lost
-    // its writer. Not every file system has locks; then none is ever taken for abandoned.
-    if (descriptor >= 0)
-        ::flock(descriptor, LOCK_EX | LOCK_NB);
-    return descriptor;
+        const int descriptor =
+            ::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor < 0) {
+            if (errno == EEXIST || errno == EINTR)
+                continue;
+            return -1;
+        }
+        fileStep("temporary file named");
+        if (isClaimed(descriptor, temporary))
+            return descriptor;
+        ::close(descriptor);
+        ::unlink(temporary.c_str());
+    }
 }
 
 } // namespace
@@ -55,7 +72,7 @@ Result<AtomicFile> AtomicFile::create(const fs::path& target)
     if (replaces && S_ISDIR(old.st_mode))
         return saveError(target, "a folder of that name is in the way");
     if (replaces && !S_ISREG(old.st_mode))
-        return saveError(target, "something that is no file is in the way");
+        return saveError(target, "something other than a regular file is in the way");
     // A rename needs no permission on the file that it replaces; a locked file stays locked all the
     // same.
     if (replaces && ::access(end->c_str(), W_OK) != 0)
@@ -123,12 +140,21 @@ Result<void> AtomicFile::commit()
         return error;
     }
     fileStep("bytes on disk");
-    if (::close(std::exchange(m_descriptor, -1)) != 0
-        || ::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
+    // Some file systems over a network report a failed write only to a close. It is a copy that is
+    // closed: the lock has to last until the temporary name is gone.
+    const int copy = ::fcntl(m_descriptor, F_DUPFD_CLOEXEC, 0);
+    if (copy < 0 || ::close(copy) != 0) {
         const Error error = failure(errno);
-        ::unlink(m_temporary.c_str());
+        cancel();
         return error;
     }
+    fileStep("bytes accepted");
+    if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
+        const Error error = failure(errno);
+        cancel();
+        return error;
+    }
+    ::close(std::exchange(m_descriptor, -1));
     fileStep("exchanged");
     if (const int code = syncFolder(folderOf(m_target)); code != 0)
         return failure(code);

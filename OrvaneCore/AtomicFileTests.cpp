@@ -1,10 +1,15 @@
 #include "AtomicFile.h"
 
+#include "FileSystem.h"
+
 #include <gmock/gmock.h>
 
+#include <fstream>
 #include <string>
+#include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -106,6 +111,50 @@ TEST_F(AtomicFileTest, GivesNewFilesTheModeOfTheUmask)
     EXPECT_EQ(modeOf(folder / std::string(255, 'n')), 0640u);
 }
 
+fs::path cleaned;
+int cleaner = -1;
+
+TEST_F(AtomicFileTest, AnotherProcessThatCleansUpTakesNothing)
+{
+    const auto expectSaved = [&](const char* bytes) {
+        const Result<void> written = writeFile(folder / "old", bytes);
+        fileStepHook = nullptr;
+        EXPECT_TRUE(written) << written.error().message;
+        EXPECT_EQ(content(folder / "old"), bytes);
+        EXPECT_EQ(entries(), 1u);
+    };
+    cleaned = folder;
+    // At every step. The first time the file has no lock yet, and goes.
+    fileStepHook = [](const char* step) {
+        static bool isFirst = true;
+        if (std::exchange(isFirst, false) || step != std::string_view("temporary file named"))
+            removeAbandonedTemporaries(cleaned);
+    };
+    expectSaved("at every step");
+
+    // The other process holds the lock, and removes the file a step later.
+    fileStepHook = [](const char*) {
+        static fs::path found;
+        if (cleaner >= 0) {
+            fs::remove(found);
+            return;
+        }
+        for (const fs::path& path : fs::directory_iterator(cleaned)) {
+            if (path.filename().native().starts_with(".orvane-"))
+                found = path;
+        }
+        cleaner = ::open(found.c_str(), O_RDONLY | O_CLOEXEC);
+        ASSERT_EQ(::flock(cleaner, LOCK_EX | LOCK_NB), 0);
+    };
+    expectSaved("while the lock is held");
+    ::close(cleaner);
+
+    // What a killed process left has no lock.
+    std::ofstream(folder / ".orvane-1-1") << "half";
+    removeAbandonedTemporaries(folder);
+    EXPECT_EQ(entries(), 1u);
+}
+
 TEST_F(AtomicFileTest, SaysWhyItCannotWrite)
 {
     fs::create_directory(folder / "pictures");
@@ -119,7 +168,7 @@ TEST_F(AtomicFileTest, SaysWhyItCannotWrite)
          "“pictures” couldn't be saved because a folder of that name is in the way."},
         {folder / "missing" / "a.jpg", "missing” doesn't exist."},
         {folder / "old" / "a.jpg", "old” doesn't exist."},
-        {folder / "pipe", "something that is no file is in the way."},
+        {folder / "pipe", "something other than a regular file is in the way."},
         {folder / "circle", "lead in a circle."},
         {folder / std::string(256, 'n'), "name is too long."},
     };

@@ -182,6 +182,31 @@ Result<void> writeFile(const fs::path& target, std::string_view bytes)
 
 namespace {
 
+std::string readReason(int code)
+{
+    switch (code) {
+    case ENOENT:
+    case ENOTDIR:
+        return "it isn't there any more";
+    case EACCES:
+    case EPERM:
+        return "you don't have permission to read it";
+    case EIO:
+        return "its disk reported an error";
+    default:
+        return systemReason(code);
+    }
+}
+
+/// As file managers show sizes, in steps of a thousand; rounded down, so that what is larger than
+/// the bytes is larger than the text says.
+std::string sizeText(size_t bytes)
+{
+    constexpr size_t megabyte = 1'000'000;
+    return bytes < megabyte ? std::to_string(bytes) + " bytes"
+                            : std::to_string(bytes / megabyte) + " MB";
+}
+
 template <class Bytes> Result<Bytes> contentOf(const fs::path& path, size_t maxBytes)
 {
     const auto failure = [&](const std::string& reason) {
@@ -189,23 +214,19 @@ template <class Bytes> Result<Bytes> contentOf(const fs::path& path, size_t maxB
     };
     // Not blocking: opening a pipe would otherwise wait for its other end.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0) {
-        const int code = errno;
-        if (code == ENOENT || code == ENOTDIR)
-            return failure("it isn't there any more");
-        if (code == EACCES || code == EPERM)
-            return failure("you don't have permission to read it");
-        return failure("of an error of the system (" + std::generic_category().message(code) + ")");
-    }
+    if (descriptor < 0)
+        return failure(readReason(errno));
     struct Closer {
         int descriptor;
         ~Closer() { ::close(descriptor); }
     } const closer{descriptor};
 
     struct stat status;
-    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
-        return failure(S_ISDIR(status.st_mode) ? "it is a folder" : "it is no file");
-    const Error tooLarge = failure("it is larger than " + std::to_string(maxBytes) + " bytes");
+    if (::fstat(descriptor, &status) != 0)
+        return failure(readReason(errno));
+    if (!S_ISREG(status.st_mode))
+        return failure(S_ISDIR(status.st_mode) ? "it is a folder" : "it isn't a regular file");
+    const Error tooLarge = failure("it is larger than " + sizeText(maxBytes));
     if (uint64_t(status.st_size) > maxBytes)
         return tooLarge;
 
@@ -217,8 +238,7 @@ template <class Bytes> Result<Bytes> contentOf(const fs::path& path, size_t maxB
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)
-            return failure("its disk reported an error (" + std::generic_category().message(errno)
-                           + ")");
+            return failure(readReason(errno));
         filled += size_t(got);
         if (filled > maxBytes)
             return tooLarge;

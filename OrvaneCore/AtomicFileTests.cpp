@@ -203,10 +203,24 @@ TEST_F(AtomicFileTest, ReportsAFullDisk)
 TEST_F(AtomicFileTest, ReadsWithinBounds)
 {
     EXPECT_EQ(readFile(folder / "old", 9)->size(), 9u);
-    EXPECT_THAT(readFile(folder / "old", 8).error().message, HasSubstr("larger than 8 bytes"));
-    EXPECT_THAT(readFile(folder, 8).error().message, HasSubstr("it is a folder"));
-    EXPECT_THAT(readFile(folder / "none", 8).error().message,
-                HasSubstr("“none” couldn't be opened because it isn't there"));
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    ASSERT_TRUE(writeFile(folder / "large", ""));
+    fs::resize_file(folder / "large", 2'000'000);
+    const struct {
+        const char* name;
+        size_t maxBytes;
+        const char* reason;
+    } cases[] = {
+        {"old", 8, "it is larger than 8 bytes"},
+        {"large", 1'600'000, "it is larger than 1 MB"},
+        {".", 8, "it is a folder"},
+        {"pipe", 8, "it isn't a regular file"},
+        {"none", 8, "it isn't there any more"},
+    };
+    for (const auto& [name, maxBytes, reason] : cases) {
+        EXPECT_EQ(readFile(folder / name, maxBytes).error().message,
+                  std::string("“") + name + "” couldn't be opened because " + reason + ".");
+    }
     // Files that state no size are read to their end all the same.
     EXPECT_GT(readFile("/proc/self/status", 1 << 20)->size(), 0u);
     EXPECT_FALSE(readFile("/proc/self/status", 10));

@@ -49,8 +49,13 @@ std::string writeReason(int code, const fs::path& target)
     case EIO:
         return "the disk of the folder " + folder + " reported an error";
     default:
-        return "of an error of the system (" + std::generic_category().message(code) + ")";
+        return systemReason(code);
     }
+}
+
+std::string systemReason(int code)
+{
+    return "the system reported “" + std::generic_category().message(code) + "”";
 }
 
 Result<fs::path> linksFollowed(const fs::path& target)

@@ -23,6 +23,9 @@ Error saveError(const std::filesystem::path& target, std::string_view reason);
 /// something about.
 std::string writeReason(int code, const std::filesystem::path& target);
 
+/// An errno that a person can do nothing about, as a reason.
+std::string systemReason(int code);
+
 /// The end of a chain of symbolic links; it need not exist. Fails for a chain that has no end.
 Result<std::filesystem::path> linksFollowed(const std::filesystem::path& target);
 

@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Far beyond any store that a person fills; a file of this size would not fit into memory decoded.
-constexpr size_t largestStore = size_t(1) << 30;
+constexpr size_t largestStore = 1'000'000'000;
 
 fs::path beside(const fs::path& url, const char* suffix)
 {

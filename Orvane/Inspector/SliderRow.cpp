@@ -146,7 +146,8 @@ SliderRow::SliderRow(const QString& label, const Range& range, QWidget* parent)
     m_field->setAccessibleName(label);
     m_field->setFixedSize(fieldWidth, 22);
     m_field->setAlignment(Qt::AlignRight);
-    setToolTip(tr("%1 — double-click the knob to reset").arg(label));
+    if (range.resets)
+        setToolTip(tr("%1 — double-click the knob to reset").arg(label));
 
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
@@ -162,7 +163,8 @@ SliderRow::SliderRow(const QString& label, const Range& range, QWidget* parent)
         if (tenths(m_value) != m_slider->value())
             setValue(m_slider->number());
     });
-    connect(m_slider, &DoubleClickSlider::resetAsked, this, [this] { setValue(m_range.rest); });
+    if (range.resets)
+        connect(m_slider, &DoubleClickSlider::resetAsked, this, [this] { setValue(m_range.rest); });
     connect(m_field, &QLineEdit::editingFinished, this, &SliderRow::takeTyped);
 }
 

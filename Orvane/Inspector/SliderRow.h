@@ -50,6 +50,7 @@ public:
         double minimum = 0;
         double maximum = 0;
         double rest = 0;
+        bool resets = true; ///< to the rest value, by a double click on the knob
     };
     SliderRow(const QString& label, const Range& range, QWidget* parent = nullptr);
 

@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -126,6 +127,14 @@ void exportAll(AppModel& model, ScriptedDesktop& desktop, const std::filesystem:
                     now - before, memory("VmRSS"));
         before = now;
     });
+    int messages = 0;
+    double silence = 0;
+    Clock::time_point heard = start;
+    const auto listening = model.batchProgress.onValueChanged([&] {
+        ++messages;
+        silence = std::max(silence, secondsSince(heard));
+        heard = Clock::now();
+    });
     desktop.choices.push_back({folder});
     model.exportAll();
     while (model.isExportingAll())
@@ -134,6 +143,8 @@ void exportAll(AppModel& model, ScriptedDesktop& desktop, const std::filesystem:
     std::printf("%.2f s, %.1f ms a megapixel, %.2f processors busy, peak %.0f MB\n", seconds,
                 seconds * 1000 / megapixels, (processorSeconds() - processor) / seconds,
                 memory("VmHWM"));
+    std::printf("%d messages of progress, the longest silence between two %.2f s\n", messages,
+                silence);
     for (const Alert& alert : desktop.alerts)
         std::printf("%s\n%s\n", alert.message.c_str(), alert.informative.c_str());
 }

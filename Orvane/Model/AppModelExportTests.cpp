@@ -222,6 +222,7 @@ TEST_F(AppModelExport, WritesEveryPictureUnderANameOfItsOwn)
     activate(1);
     expose(60); // not parked yet
     ASSERT_TRUE(writeFile(out / "a-edit.jpg", "of an earlier day"));
+    ASSERT_TRUE(writeFile(out / ".orvane-1-2", "of an export that was killed"));
     std::vector<int> counts;
     std::vector<double> shares;
     const auto counting =

@@ -4,6 +4,7 @@
 #include "BakeChain.h"
 
 #include "PictureDecoder.h"
+#include "SharedPicture.h"
 #include "TemporaryFolder.h"
 
 namespace orvane {
@@ -79,6 +80,30 @@ TEST_F(ExportFiles, ComeIntoBeingWholeOrNotAtAll)
     }
     EXPECT_EQ(bakeFile(locatedPicture(64, 48), {}, folder / "out.jpg", {}).kind, Kind::Written);
     EXPECT_TRUE(decodePictureFile(folder / "out.jpg"));
+}
+
+TEST_F(ExportFiles, GoToThePasteboardAsPng)
+{
+    const struct {
+        ExportFormat format;
+        bool png16;
+    } cases[] = {{ExportFormat::jpeg, false},
+                 {ExportFormat::png, false},
+                 {ExportFormat::png, true},
+                 {ExportFormat::tiff, false}};
+    for (const auto& c : cases) {
+        ASSERT_TRUE(exportFile(locatedPicture(64, 48), {.format = c.format, .png16 = c.png16},
+                               folder / "out"));
+        const auto bytes = pngOfFile(folder / "out");
+        ASSERT_TRUE(bytes) << bytes.error().message;
+        const auto picture = decodePicture(*bytes);
+        ASSERT_TRUE(picture);
+        EXPECT_EQ(picture->format, PictureFormat::Png);
+        EXPECT_EQ(picture->bitmap->type(), SampleType::U8);
+        EXPECT_NEAR(picture->bitmap->row(20)[3], 102, 2); // red, 0.4 of 255
+    }
+    put("out", "no picture");
+    EXPECT_FALSE(pngOfFile(folder / "out"));
 }
 
 } // namespace

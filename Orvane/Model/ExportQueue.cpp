@@ -1,5 +1,8 @@
 #include "ExportQueue.h"
 
+#include "AtomicFile.h"
+#include "FileSystem.h"
+
 #include <QMetaObject>
 
 #include <exception>
@@ -97,6 +100,11 @@ bool ExportQueue::cancel(const std::shared_ptr<Ticket>& ticket)
 
 ExportEnd ExportQueue::bake(const Job& job, const std::shared_ptr<Ticket>& ticket)
 {
+    // An export that was killed has left its unfinished file.
+    if (std::filesystem::path folder = folderOf(job.target); folder != m_tidiedFolder) {
+        removeAbandonedTemporaries(folder);
+        m_tidiedFolder = std::move(folder);
+    }
     const CIImage source = job.pixels ? m_ahead.take(job.pixels) : job.source;
     m_ahead.prepare(job.next);
     const double share = shareOfRows(job.options.format);

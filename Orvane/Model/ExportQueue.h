@@ -56,6 +56,7 @@ private:
     QObject m_receiver;
     std::vector<std::weak_ptr<Ticket>> m_tickets; ///< those that wait or run, and some of the past
     SourceAhead m_ahead;
+    std::filesystem::path m_tidiedFolder; ///< by the pool's thread
     QThreadPool m_pool; ///< of one thread; last, so that it is through before the rest goes
 };
 

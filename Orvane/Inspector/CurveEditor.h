@@ -1,0 +1,66 @@
+#pragma once
+
+#include "CurveEditing.h"
+
+#include <QWidget>
+
+class QLabel;
+class QToolButton;
+
+namespace orvane {
+
+class CurvePlot;
+class SegmentedPicker;
+class SliderRow;
+
+/// The tone curves: which channel, its plot, and the selected point in numbers. It keeps a copy of
+/// the curves and tells each change of one.
+///
+///   [ RGB | Red | Green | Blue ]
+///   ┌──────────────────────────┐
+///   │           plot           │
+///   └──────────────────────────┘
+///   Point      < >  2 of 3
+///   Input      ──●───────   [ 64]
+///   Output     ────●─────   [ 80]
+class CurveEditor final : public QWidget {
+    Q_OBJECT
+
+public:
+    using Curve = Adjustments::Curve;
+    explicit CurveEditor(QWidget* parent = nullptr);
+
+    /// Without a signal. A channel that is missing shows as a straight line.
+    void setCurve(const Curve& curve);
+    /// Whether any channel is bent.
+    bool isEdited() const;
+    /// "master", "r", "g" or "b".
+    QString channel() const;
+    CurvePlot& plot() { return *m_plot; }
+    SliderRow& input() { return *m_input; }
+    SliderRow& output() { return *m_output; }
+
+Q_SIGNALS:
+    void curveEdited(const QString& channel, const CurveEditing::Points& points);
+
+private:
+    void showChannel();
+    void showPoint();
+    void takeEdit(const CurveEditing::Points& points);
+    void movePointTo(double x, double y);
+    QWidget* makePointRow();
+    SliderRow* makeAxisRow(const QString& axis);
+    QToolButton* makeStepButton(const QString& help, Qt::ArrowType arrow, int step);
+
+    Curve m_curve;
+    SegmentedPicker* m_picker;
+    CurvePlot* m_plot;
+    QToolButton* m_previous = nullptr;
+    QToolButton* m_next = nullptr;
+    QLabel* m_place = nullptr; ///< "2 of 3"
+    SliderRow* m_input;
+    SliderRow* m_output;
+    bool m_isShowing = false; ///< the rows are being set, not moved by the user
+};
+
+} // namespace orvane

@@ -1,0 +1,119 @@
+#include "FoldingSection.h"
+
+#include "Theme.h"
+
+#include <QAbstractButton>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace orvane {
+
+namespace {
+
+constexpr int headerHeight = 32;
+constexpr double chevron = 12;
+
+/// A chevron that points down while it is checked, and a title.
+class HeaderButton final : public QAbstractButton {
+public:
+    explicit HeaderButton(const QString& title)
+    {
+        setText(title);
+        setAccessibleName(title);
+        setCheckable(true);
+        setChecked(true);
+        setFocusPolicy(Qt::StrongFocus);
+        setFixedHeight(headerHeight);
+        setAttribute(Qt::WA_Hover);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        if (hasFocus()) {
+            painter.setPen(QPen(Theme::accent, 1));
+            painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 4.5, -0.5, -4.5), Theme::radius,
+                                    Theme::radius);
+        }
+        const QColor color = underMouse() ? QColor(0xff, 0xff, 0xff) : Theme::text;
+        painter.save();
+        painter.translate(4 + chevron / 2, height() / 2.0);
+        painter.rotate(isChecked() ? 90 : 0);
+        painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        const QPointF wings[] = {{-2, -4}, {2, 0}, {-2, 4}};
+        painter.drawPolyline(wings, 3);
+        painter.restore();
+
+        QFont heading = font();
+        heading.setWeight(QFont::Medium);
+        painter.setFont(heading);
+        painter.setPen(color);
+        painter.drawText(rect().adjusted(int(chevron) + 10, 0, 0, 0),
+                         Qt::AlignVCenter | Qt::AlignLeft, text());
+    }
+};
+
+} // namespace
+
+FoldingSection::FoldingSection(const QString& title, QWidget* content, QWidget* parent)
+    : QWidget(parent)
+    , m_header(new HeaderButton(title))
+    , m_mark(new QLabel(tr("Edited")))
+    , m_reset(new QPushButton(tr("Reset")))
+    , m_content(content)
+{
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(makeHeader(title));
+    column->addWidget(m_content);
+    setEdited(false);
+
+    connect(m_header, &QAbstractButton::toggled, this, [this](bool isOpen) {
+        m_content->setVisible(isOpen);
+        Q_EMIT expandedChanged(isOpen);
+    });
+    connect(m_reset, &QPushButton::clicked, this, &FoldingSection::resetAsked);
+}
+
+QWidget* FoldingSection::makeHeader(const QString& title)
+{
+    Theme::makeSecondary(*m_mark);
+    m_reset->setStyleSheet(QString("QPushButton { background: transparent; border: 1px solid"
+                                   " transparent; padding: 1px 6px; font-size: 11px; }"
+                                   "QPushButton:hover { background: %1; }"
+                                   "QPushButton:focus { border-color: %2; }")
+                               .arg(Theme::raised.name(), Theme::accent.name()));
+    m_reset->setAccessibleName(tr("Reset %1").arg(title));
+    auto* header = new QWidget;
+    auto* row = new QHBoxLayout(header);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(6);
+    row->addWidget(m_header, 1);
+    row->addWidget(m_mark);
+    row->addWidget(m_reset);
+    return header;
+}
+
+bool FoldingSection::isExpanded() const
+{
+    return m_header->isChecked();
+}
+
+void FoldingSection::setExpanded(bool expanded)
+{
+    m_header->setChecked(expanded);
+}
+
+void FoldingSection::setEdited(bool edited)
+{
+    m_mark->setVisible(edited);
+    m_reset->setVisible(edited);
+}
+
+} // namespace orvane

@@ -122,7 +122,7 @@ TEST_F(ToolsTest, ACropKeepsItsRatioWhateverTheFrame)
                     // A canvas round it changes nothing about it.
                     model->canvasAspect = 1;
                     model->setAspect(id);
-                    EXPECT_LT(std::abs(model->crop.value().width() - held.width()), 1e-9);
+                    EXPECT_LT(std::abs(model->crop.value().height() - held.height()), 1e-9);
                 }
             }
         }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <exception>
+#include <iterator>
 #include <random>
 #include <string>
 #include <system_error>
@@ -198,6 +200,13 @@ std::string readReason(int code)
     }
 }
 
+/// Whether the same call may succeed a little later, with nothing changed about the file.
+bool isPassing(int code)
+{
+    constexpr int codes[] = {EAGAIN, EINTR, EMFILE, ENFILE, ENOBUFS, ENOMEM, ESTALE, ETIMEDOUT};
+    return std::find(std::begin(codes), std::end(codes), code) != std::end(codes);
+}
+
 /// As file managers show sizes, in steps of a thousand; rounded down, so that what is larger than
 /// the bytes is larger than the text says.
 std::string sizeText(size_t bytes)
@@ -207,15 +216,24 @@ std::string sizeText(size_t bytes)
                             : std::to_string(bytes / megabyte) + " MB";
 }
 
-template <class Bytes> Result<Bytes> contentOf(const fs::path& path, size_t maxBytes)
+Error openError(const fs::path& path, const std::string& reason)
 {
-    const auto failure = [&](const std::string& reason) {
-        return Error{quoted(path.filename()) + " couldn't be opened because " + reason + "."};
+    return {quoted(path.filename()) + " couldn't be opened because " + reason + "."};
+}
+
+template <class Bytes>
+Result<Bytes> contentInMemory(const fs::path& path, size_t maxBytes, ReadFault& fault)
+{
+    const auto failure = [&](const std::string& reason) { return openError(path, reason); };
+    const auto failed = [&](int code) {
+        fault = isPassing(code) ? ReadFault::System : ReadFault::File;
+        return failure(readReason(code));
     };
+    fault = ReadFault::File;
     // Not blocking: opening a pipe would otherwise wait for its other end.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0)
-        return failure(readReason(errno));
+        return failed(errno);
     struct Closer {
         int descriptor;
         ~Closer() { ::close(descriptor); }
@@ -223,7 +241,7 @@ template <class Bytes> Result<Bytes> contentOf(const fs::path& path, size_t maxB
 
     struct stat status;
     if (::fstat(descriptor, &status) != 0)
-        return failure(readReason(errno));
+        return failed(errno);
     if (!S_ISREG(status.st_mode))
         return failure(S_ISDIR(status.st_mode) ? "it is a folder" : "it isn't a regular file");
     const Error tooLarge = failure("it is larger than " + sizeText(maxBytes));
@@ -238,7 +256,7 @@ template <class Bytes> Result<Bytes> contentOf(const fs::path& path, size_t maxB
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)
-            return failure(readReason(errno));
+            return failed(errno);
         filled += size_t(got);
         if (filled > maxBytes)
             return tooLarge;
@@ -251,16 +269,30 @@ template <class Bytes> Result<Bytes> contentOf(const fs::path& path, size_t maxB
     return bytes;
 }
 
-} // namespace
-
-Result<std::vector<uint8_t>> readFile(const fs::path& path, size_t maxBytes)
+template <class Bytes>
+Result<Bytes> contentOf(const fs::path& path, size_t maxBytes, ReadFault* fault)
 {
-    return contentOf<std::vector<uint8_t>>(path, maxBytes);
+    ReadFault unasked;
+    ReadFault& found = fault ? *fault : unasked;
+    try {
+        return contentInMemory<Bytes>(path, maxBytes, found);
+    } catch (const std::exception&) {
+        // bad_alloc, or length_error for a size that no block of memory can have.
+        found = ReadFault::System;
+        return openError(path, "there is not enough memory");
+    }
 }
 
-Result<std::string> readTextFile(const fs::path& path, size_t maxBytes)
+} // namespace
+
+Result<std::vector<uint8_t>> readFile(const fs::path& path, size_t maxBytes, ReadFault* fault)
 {
-    return contentOf<std::string>(path, maxBytes);
+    return contentOf<std::vector<uint8_t>>(path, maxBytes, fault);
+}
+
+Result<std::string> readTextFile(const fs::path& path, size_t maxBytes, ReadFault* fault)
+{
+    return contentOf<std::string>(path, maxBytes, fault);
 }
 
 void removeAbandonedTemporaries(const fs::path& folder)

@@ -53,9 +53,16 @@ private:
 /// The bytes as the whole content of `target`, through an AtomicFile.
 Result<void> writeFile(const std::filesystem::path& target, std::string_view bytes);
 
-/// The whole content of a file; an error when it is larger than maxBytes or is no regular file.
-Result<std::vector<uint8_t>> readFile(const std::filesystem::path& path, size_t maxBytes);
-Result<std::string> readTextFile(const std::filesystem::path& path, size_t maxBytes);
+/// What kept a file from being read: the file, or the system, which was short of descriptors or
+/// memory or out of touch with a server. Then the file may be as good as ever.
+enum class ReadFault { File, System };
+
+/// The whole content of a file; an error when it is larger than maxBytes, when there is no memory
+/// for it or when it is no regular file. Sets the fault, if asked for, when it fails.
+Result<std::vector<uint8_t>> readFile(const std::filesystem::path& path, size_t maxBytes,
+                                      ReadFault* fault = nullptr);
+Result<std::string> readTextFile(const std::filesystem::path& path, size_t maxBytes,
+                                 ReadFault* fault = nullptr);
 
 /// Removes the temporary files in a folder whose writer was killed before it could.
 void removeAbandonedTemporaries(const std::filesystem::path& folder);

@@ -43,7 +43,10 @@ public:
 
     /// Sets the entries and leaves the others as they are, in one write of the store. Fails as
     /// JSONStore::loadForUpdate() and save() do; then nothing is stored.
-    Result<void> set(const Map& entries);
+    Result<void> set(const Map& entries)
+    {
+        return JSONStore::withinMemory(m_url, [&] { return write(entries); });
+    }
 
 private:
     /// Of the store, its backup and the mark of a recovery: what was read depends on all three.
@@ -61,6 +64,7 @@ private:
         return {FileIdentity::of(m_url), FileIdentity::of(JSONStore::backupOf(m_url)),
                 FileIdentity::of(JSONStore::markOf(m_url))};
     }
+    Result<void> write(const Map& entries);
     void refresh();
     void keep(const Identities& identities);
     /// By its bytes: what changes soon after a look at the file can keep the file's times.
@@ -84,7 +88,8 @@ template <class V> void JSONMapStore<V>::refresh()
         return;
     forget();
     m_loaded = JSONStore::load<JSONMapText>(m_url, read);
-    if (before == present())
+    // A fault of the system passes without a trace on the files.
+    if (m_loaded.fault == ReadFault::File && before == present())
         keep(before);
 }
 
@@ -107,7 +112,7 @@ template <class V> bool JSONMapStore<V>::isStillTheSame()
     return true;
 }
 
-template <class V> Result<void> JSONMapStore<V>::set(const Map& entries)
+template <class V> Result<void> JSONMapStore<V>::write(const Map& entries)
 {
     std::map<std::string, std::string> texts;
     for (const auto& [key, value] : entries) {

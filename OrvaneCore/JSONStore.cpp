@@ -1,6 +1,5 @@
 #include "JSONStore.h"
 
-#include "AtomicFile.h"
 #include "FileSystem.h"
 
 #include <cerrno>
@@ -103,13 +102,19 @@ Error wouldOverwriteUnreadable(const fs::path& url)
             + quoted(beside(file, ".corrupt")) + "."};
 }
 
+Error notEnoughMemory(const fs::path& url)
+{
+    return {"There is not enough memory to read or write " + quoted(url.filename()) + "."};
+}
+
 Load<std::string> readText(const fs::path& url)
 {
     if (isMissing(url))
         return {};
-    Result<std::string> text = readTextFile(url, largestStore);
+    ReadFault fault = ReadFault::File;
+    Result<std::string> text = readTextFile(url, largestStore, &fault);
     if (!text)
-        return {LoadKind::Unreadable, {}, text.error()};
+        return {LoadKind::Unreadable, {}, text.error(), fault};
     return {LoadKind::Ok, std::move(*text), {}};
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "AtomicFile.h"
 #include "JSONCoding.h"
 #include "Result.h"
 
 #include <filesystem>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +26,10 @@
 /// the link stays. To show a store: load(), then value or empty. To change it: loadForUpdate()
 /// first, and only if that did not fail, save().
 ///
+/// A file that the system cannot read just now, for want of descriptors or memory, is Unreadable
+/// too, but by a fault of the system: nothing is moved for that, and no older backup takes its
+/// place. A later attempt finds it.
+///
 /// No state is kept here, and nothing guards two writers of one file.
 namespace orvane::JSONStore {
 
@@ -35,12 +41,25 @@ template <class T> struct Load {
     LoadKind kind = LoadKind::Missing;
     T value{}; ///< of Ok and Recovered
     Error error; ///< of Unreadable: what is wrong with the file itself, not with its backup
+    ReadFault fault = ReadFault::File; ///< of Unreadable: the system's may be about the backup
 
     bool hasValue() const { return kind == LoadKind::Ok || kind == LoadKind::Recovered; }
 };
 
 /// The error of a save that would replace a file which nobody can read.
 Error wouldOverwriteUnreadable(const std::filesystem::path& url);
+
+/// What the work answers, or an error when there is not enough memory for it.
+Error notEnoughMemory(const std::filesystem::path& url);
+template <class Work>
+auto withinMemory(const std::filesystem::path& url, Work work) -> decltype(work())
+{
+    try {
+        return work();
+    } catch (const std::bad_alloc&) {
+        return notEnoughMemory(url);
+    }
+}
 
 // The same for texts; the templates below put values in their place. ------------------------------
 
@@ -72,11 +91,15 @@ Load<T> decode(const std::filesystem::path& url, Reading<T> reading = decodedSto
 {
     Load<std::string> text = readText(url);
     if (text.kind != LoadKind::Ok)
-        return {text.kind, T{}, std::move(text.error)};
-    Result<T> value = reading(std::move(text.value));
-    if (!value)
-        return {LoadKind::Unreadable, T{}, value.error()};
-    return {LoadKind::Ok, std::move(*value), {}};
+        return {text.kind, T{}, std::move(text.error), text.fault};
+    try {
+        Result<T> value = reading(std::move(text.value));
+        if (!value)
+            return {LoadKind::Unreadable, T{}, value.error()};
+        return {LoadKind::Ok, std::move(*value), {}};
+    } catch (const std::bad_alloc&) {
+        return {LoadKind::Unreadable, T{}, notEnoughMemory(url), ReadFault::System};
+    }
 }
 
 /// The file, or its backup when it is damaged. Never writes.
@@ -87,7 +110,12 @@ Load<T> load(const std::filesystem::path& url, Reading<T> reading = decodedStore
     // A file that is simply not there is missing, whatever backup there is.
     if (file.kind == LoadKind::Ok || (file.kind == LoadKind::Missing && !isRecovering(url)))
         return file;
+    // The backup is a generation older: it is for a file that is lost, not for one out of reach.
+    if (file.fault == ReadFault::System)
+        return file;
     Load<T> backup = decode<T>(backupOf(url), reading);
+    if (backup.fault == ReadFault::System)
+        return backup;
     if (backup.kind != LoadKind::Ok)
         return file;
     backup.kind = LoadKind::Recovered;
@@ -96,7 +124,7 @@ Load<T> load(const std::filesystem::path& url, Reading<T> reading = decodedStore
 
 /// The value to build a save on. A file that cannot be decoded is moved aside; when its backup
 /// cannot be decoded either, the error is wouldOverwriteUnreadable(), and the next attempt starts
-/// from `empty`.
+/// from `empty`. By a fault of the system nothing is moved, and the error is its own.
 template <class T>
 Result<T> loadForUpdate(const std::filesystem::path& url, T empty,
                         Reading<T> reading = decodedStore<T>)
@@ -114,6 +142,8 @@ Result<T> loadForUpdate(const std::filesystem::path& url, T empty,
     case LoadKind::Unreadable:
         break;
     }
+    if (loaded.fault == ReadFault::System)
+        return loaded.error;
     // Whether this works or not, the answer is the same; where it does not, the file stays.
     (void)moveAside(url, MoveReason::Unreadable);
     return wouldOverwriteUnreadable(url);
@@ -122,10 +152,12 @@ Result<T> loadForUpdate(const std::filesystem::path& url, T empty,
 /// Fails, with no file touched, on a value that cannot be encoded; and as files fail.
 template <class T> Result<void> save(const T& value, const std::filesystem::path& url)
 {
-    const Result<std::string> text = encoded(value);
-    if (!text)
-        return text.error();
-    return saveText(*text, url);
+    return withinMemory(url, [&]() -> Result<void> {
+        const Result<std::string> text = encoded(value);
+        if (!text)
+            return text.error();
+        return saveText(*text, url);
+    });
 }
 
 } // namespace orvane::JSONStore

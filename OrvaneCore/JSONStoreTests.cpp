@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <new>
 
 #include <sys/stat.h>
 
@@ -18,7 +19,14 @@ struct Spot {
 
     bool operator==(const Spot&) const = default;
 };
+
+/// What there is never enough memory for.
+struct Vast { };
 } // namespace
+
+template <> struct JSONRecord<Vast> {
+    static void fields(auto&, auto&) { throw std::bad_alloc(); }
+};
 
 template <> struct JSONRecord<Spot> {
     static void fields(auto& field, auto& spot)
@@ -157,6 +165,52 @@ TEST_F(JSONStoreTest, AValueThatCannotBeEncodedTouchesNothing)
     EXPECT_THAT(saved.error().message, HasSubstr("[1].y: a number that is not finite"));
     EXPECT_EQ(names(), "s.json");
     EXPECT_EQ(content("s.json"), good);
+}
+
+const char* vastText = nullptr;
+
+TEST_F(JSONStoreTest, AWantOfMemoryIsNoDamage)
+{
+    const JSONStore::Reading<Numbers> reading = [](std::string&& text) {
+        if (text == vastText)
+            throw std::bad_alloc();
+        return JSONStore::decodedStore<Numbers>(std::move(text));
+    };
+    const struct {
+        const char* what;
+        const char* file;
+        const char* backup;
+        const char* mark;
+        const char* vast;
+    } cases[] = {
+        {"the store", good, older, nullptr, good},
+        {"the backup of a damaged store", "{", older, nullptr, older},
+        {"the backup of a store that is aside", nullptr, older, "", older},
+    };
+    for (const auto& [what, file, backup, mark, vast] : cases) {
+        putAll(file, backup, mark);
+        vastText = vast;
+        const std::string before = names();
+        const auto loaded = JSONStore::load<Numbers>(url, reading);
+        EXPECT_EQ(loaded.kind, LoadKind::Unreadable) << what;
+        const auto base = JSONStore::loadForUpdate<Numbers>(url, {}, reading);
+        ASSERT_FALSE(base) << what;
+        EXPECT_THAT(base.error().message, HasSubstr("There is not enough memory to read")) << what;
+        EXPECT_EQ(names(), before) << what;
+    }
+
+    constexpr const char* objects = R"({"a":{}})";
+    putAll(objects, older);
+    JSONMapStore<Vast> store(url);
+    EXPECT_FALSE(store.find("a"));
+    const Result<void> failures[] = {JSONStore::save(Vast(), url), store.set({{"a", {}}}),
+                                     store.set({})};
+    for (const Result<void>& failure : failures) {
+        ASSERT_FALSE(failure);
+        EXPECT_EQ(failure.error().message, "There is not enough memory to read or write “s.json”.");
+    }
+    EXPECT_EQ(content("s.json") + content("s.json.bak"), std::string(objects) + older);
+    EXPECT_EQ(names(), "s.json s.json.bak");
 }
 
 TEST_F(JSONStoreTest, BrokenStoresAreSetAsideWhole)

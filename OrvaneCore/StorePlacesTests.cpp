@@ -74,6 +74,13 @@ protected:
         return answer;
     }
 
+    /// Of this process, in bytes.
+    static rlim_t addressSpace()
+    {
+        const std::string pages = *readTextFile("/proc/self/statm", 1000);
+        return rlim_t(std::stoull(pages)) * rlim_t(::sysconf(_SC_PAGESIZE));
+    }
+
     fs::path url = folder / "support" / "s.json";
 };
 
@@ -158,6 +165,50 @@ TEST_F(StorePlacesTest, ALimitOnFilesLosesNothing)
     EXPECT_EQ(in("s.json"), present);
     EXPECT_EQ(saved(), "saved");
     EXPECT_EQ(in("s.json"), updated);
+}
+
+TEST_F(StorePlacesTest, AShortageIsNoDamage)
+{
+    // More than the allocator keeps for itself, so that it asks the system.
+    const std::string large = R"({"a":")" + std::string(40'000'000, 'x') + "\"}";
+    const struct {
+        const char* what;
+        std::string text;
+        decltype(RLIMIT_AS) resource;
+        const char* complaint;
+    } cases[] = {
+        {"descriptors", present, RLIMIT_NOFILE,
+         "“s.json” couldn't be opened because the system reported “Too many open files”."},
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+        {"memory", large, RLIMIT_AS,
+         "“s.json” couldn't be opened because there is not enough memory."},
+#endif
+    };
+    for (const auto& [what, text, resource, complaint] : cases) {
+        prepare();
+        put("support/s.json", text);
+        // Only then may a store believe that the files are still the same.
+        while (!FileIdentity::of(url)->isSettled())
+            ::usleep(10'000);
+        const std::string answer = inChild([&] {
+            struct rlimit usual;
+            ::getrlimit(resource, &usual);
+            const rlim_t atMost = resource == RLIMIT_AS ? addressSpace() + 16'000'000 : 0;
+            const struct rlimit lowered = {atMost, usual.rlim_max};
+            ::setrlimit(resource, &lowered);
+            JSONMapStore<std::string> store(url);
+            std::string report = store.find("a") ? "found" : "absent";
+            const Result<void> set = JSONMapStore<std::string>(url).set({{"b", "2"}});
+            ::setrlimit(resource, &usual);
+            report += store.find("a") ? ", found: " : ", absent: ";
+            return report + (set ? "saved" : set.error().message);
+        });
+        EXPECT_EQ(answer, std::string("absent, found: ") + complaint) << what;
+        EXPECT_TRUE(in("s.json") == text) << what;
+        EXPECT_EQ(in("s.json.bak"), previous) << what;
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder / "support"), {}), 2) << what;
+        EXPECT_EQ(saved(), "saved") << what;
+    }
 }
 
 TEST_F(StorePlacesTest, AFolderInTheStoresPlaceIsMovedAside)

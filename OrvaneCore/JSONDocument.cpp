@@ -1,123 +1,12 @@
 #include "JSONDocument.h"
 
+#include "JSONScalars.h"
 #include "UTF8.h"
 
 #include <algorithm>
-#include <charconv>
-#include <iterator>
 #include <limits>
 
 namespace orvane {
-
-namespace {
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-unsigned hexValue(const char* digits)
-{
-    unsigned value = 0;
-    std::from_chars(digits, digits + 4, value, 16);
-    return value;
-}
-
-void appendUTF8(std::string& text, unsigned code)
-{
-    const auto tail = [&](int shift) { text += char(0x80 | ((code >> shift) & 0x3f)); };
-    if (code < 0x80) {
-        text += char(code);
-    } else if (code < 0x800) {
-        text += char(0xc0 | (code >> 6));
-        tail(0);
-    } else if (code < 0x10000) {
-        text += char(0xe0 | (code >> 12));
-        tail(6);
-        tail(0);
-    } else {
-        text += char(0xf0 | (code >> 18));
-        tail(12);
-        tail(6);
-        tail(0);
-    }
-}
-
-/// Of a string that the parser found right.
-std::string unescaped(std::string_view text)
-{
-    constexpr std::string_view names = "\"\\/bfnrt";
-    constexpr std::string_view characters = "\"\\/\b\f\n\r\t";
-    std::string plain;
-    plain.reserve(text.size());
-    for (size_t at = 0; at < text.size(); ++at) {
-        if (text[at] != '\\') {
-            plain += text[at];
-            continue;
-        }
-        if (text[++at] != 'u') {
-            plain += characters[names.find(text[at])];
-            continue;
-        }
-        unsigned code = hexValue(&text[at + 1]);
-        at += 4;
-        if (code >= 0xd800 && code < 0xdc00) {
-            code = 0x10000 + ((code - 0xd800) << 10) + (hexValue(&text[at + 3]) - 0xdc00);
-            at += 6;
-        }
-        appendUTF8(plain, code);
-    }
-    return plain;
-}
-
-/// Whether the digits of a number that no double can hold name one that is too large; the others
-/// are too small and stand for 0. From the place of the first digit that is not 0.
-bool isTooLarge(std::string_view digits)
-{
-    const size_t e = digits.find_first_of("eE");
-    const std::string_view mantissa = digits.substr(0, e);
-    long exponent = 0;
-    if (e != digits.npos) {
-        const size_t sign = digits[e + 1] == '+' ? 1 : 0;
-        const auto end =
-            std::from_chars(&digits[e + 1 + sign], digits.data() + digits.size(), exponent);
-        if (end.ec == std::errc::result_out_of_range)
-            exponent = digits[e + 1] == '-' ? -1'000'000'000 : 1'000'000'000;
-    }
-    const size_t point = std::min(mantissa.find('.'), mantissa.size());
-    const size_t leading = mantissa.find_first_of("123456789");
-    return leading != mantissa.npos && long(point) - long(leading) + exponent > 0;
-}
-
-/// The value of plain digits, which most numbers are: a whole number below 2^53 divided by a power
-/// of ten that is a double itself is rounded once, so it is the double nearest to the digits.
-std::optional<double> plainNumber(std::string_view digits)
-{
-    constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    if (digits.size() > 17)
-        return std::nullopt;
-    const bool isNegative = digits[0] == '-';
-    uint64_t whole = 0;
-    size_t decimals = 0;
-    bool isAfterPoint = false;
-    for (const char c : digits.substr(isNegative ? 1 : 0)) {
-        if (c == '.') {
-            isAfterPoint = true;
-        } else if (isDigit(c)) {
-            whole = whole * 10 + uint64_t(c - '0');
-            decimals += isAfterPoint ? 1 : 0;
-        } else {
-            return std::nullopt;
-        }
-    }
-    if (whole >= uint64_t(1) << 53 || decimals >= std::size(powers))
-        return std::nullopt;
-    const double number = double(whole) / powers[decimals];
-    return isNegative ? -number : number;
-}
-
-} // namespace
 
 std::optional<bool> JSONView::boolean() const
 {
@@ -145,6 +34,7 @@ bool JSONView::isText(std::string_view text) const
     return kind() == JSONToken::Kind::String ? raw == text : unescaped(raw) == text;
 }
 
+// One after the other: a record has a dozen or two, and a table of them would cost more to make.
 std::optional<JSONView> JSONView::member(std::string_view key) const
 {
     JSONView name = first();
@@ -172,6 +62,7 @@ void JSONDocument::start(std::string_view text)
     m_tokens.clear();
     m_error.reset();
     m_isFirst = true;
+    // Tokens hold places in the text in 32 bits.
     if (text.size() > std::numeric_limits<uint32_t>::max())
         fail("the text is too long");
 }
@@ -190,6 +81,8 @@ bool JSONDocument::member(Member& member)
     if (!m_isFirst && !take(','))
         return fail("expected “,” or “}”");
     m_isFirst = false;
+    // The list holds the key alone, then the value alone, so that value() is always the first
+    // token.
     m_tokens.clear();
     skipSpace();
     if (!parseString())
@@ -201,6 +94,7 @@ bool JSONDocument::member(Member& member)
         return fail("expected “:”");
     skipSpace();
     member.start = m_at;
+    // The object around it is a level too.
     if (!parseValue(1))
         return false;
     member.length = m_at - member.start;
@@ -215,6 +109,7 @@ bool JSONDocument::finish()
 
 bool JSONDocument::fail(const char* what, size_t at)
 {
+    // The first complaint is the cause; those of the callers on the way out follow from it.
     if (!m_error)
         m_error = Error{"not valid JSON at byte " + std::to_string(at + 1) + ": " + what};
     return false;
@@ -236,6 +131,8 @@ bool JSONDocument::take(char c)
     return true;
 }
 
+/// Answers an index, as a pointer would not outlive the next token. What holds others sets its own
+/// `next` when they are all there.
 uint32_t JSONDocument::add(Kind kind)
 {
     JSONToken& token = m_tokens.emplace_back();
@@ -286,6 +183,7 @@ bool JSONDocument::skipDigits()
     return m_at > start || fail("expected a digit");
 }
 
+/// A number is checked here, for from_chars() takes what JSON does not: leading zeros, ".5", "inf".
 bool JSONDocument::parseNumber()
 {
     const size_t start = m_at;
@@ -301,23 +199,15 @@ bool JSONDocument::parseNumber()
         if (!skipDigits())
             return false;
     }
-    const std::string_view digits = m_text.substr(start, m_at - start);
-    double number = 0;
-    if (const std::optional<double> plain = plainNumber(digits)) {
-        number = *plain;
-    } else {
-        const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-        if (end.ec == std::errc::result_out_of_range) {
-            if (isTooLarge(digits))
-                return fail("the number is too large", start);
-            number = digits[0] == '-' ? -0.0 : 0.0;
-        }
-    }
+    const std::optional<double> number = numberValue(m_text.substr(start, m_at - start));
+    if (!number)
+        return fail("the number is too large", start);
     const uint32_t index = add(Kind::Number);
-    m_tokens[index].number = number;
+    m_tokens[index].number = *number;
     return true;
 }
 
+/// Leaves the text where it is: most are short and compared only, and few have escapes.
 bool JSONDocument::parseString()
 {
     if (!take('"'))
@@ -349,7 +239,8 @@ bool JSONDocument::parseString()
     return true;
 }
 
-/// From the backslash on; both halves of a pair of surrogates.
+/// From the backslash on. A character past U+FFFF is written as two escapes, a high surrogate and a
+/// low one; either alone is no character, and no UTF-8 can stand for it.
 bool JSONDocument::skipEscape()
 {
     constexpr std::string_view single = "\"\\/bfnrt";
@@ -445,6 +336,7 @@ bool JSONDocument::checkKeys(uint32_t object)
     if (ascending)
         return true;
 
+    // Without their escapes: "a" and "\u0061" are one key.
     std::vector<std::string> names;
     for (uint32_t key = object + 1; key < end; key = m_tokens[key + 1].next)
         names.push_back(*JSONView(m_tokens.data(), key, m_text.data()).string());

@@ -49,6 +49,7 @@ private:
 
     bool write(double number)
     {
+        // JSON has no word for these; written in any way they would make the store unreadable.
         if (!std::isfinite(number))
             return fail("a number that is not finite cannot be stored");
         char digits[32];
@@ -66,6 +67,7 @@ private:
         if (!isUTF8(text))
             return fail("a text that is not UTF-8 cannot be stored");
         m_text += '"';
+        // Only what must be escaped is: the rest stays legible, and as short as it came.
         for (const char c : text) {
             if (c == '"' || c == '\\')
                 (m_text += '\\') += c;
@@ -80,6 +82,8 @@ private:
         return true;
     }
 
+    // What is deeper than the reader takes must not be written. The path is left as it stands on a
+    // failure, for the complaint has been made.
     bool write(const JSON::Array& array)
     {
         if (m_path.depth() == JSON::maximumDepth)
@@ -103,6 +107,7 @@ private:
             return fail("nested too deep to be stored");
         m_text += '{';
         for (const auto& [key, value] : object) {
+            // No value ends with this brace, so it stands last only before the first member.
             if (m_text.back() != '{')
                 m_text += ',';
             m_path.push(key);

@@ -187,7 +187,7 @@ void AppModel::activate(std::string id, bool parkingCurrent)
         return;
     const EditImage image = session.value()[*index];
     activeImageID = std::move(id);
-    showSource(*image.pixels);
+    showSource(image.pixels);
     history = image.history;
     lastLook = std::nullopt;
     restore(image.state);
@@ -195,26 +195,34 @@ void AppModel::activate(std::string id, bool parkingCurrent)
     syncWindowChrome();
 }
 
-void AppModel::showSource(const SourcePixels& pixels)
+void AppModel::showSource(const std::shared_ptr<const SourcePixels>& pixels)
 {
-    const CIImage image = pixels.image();
+    const CIImage image = pixels->image();
     auto& recent = m_recentSources;
-    std::erase_if(recent, [&](const auto& entry) { return entry.first.isSame(image); });
-    recent.insert(recent.begin(), {image, pixels.decodedSize()});
+    forgetRecentSource(pixels);
+    recent.insert(recent.begin(), {pixels, image});
     size_t bytes = 0;
-    for (const auto& entry : recent)
-        bytes += entry.second;
+    for (const RecentSource& source : recent)
+        bytes += source.pixels->decodedSize();
     for (; bytes > recentSourceBytes && recent.size() > 1; recent.pop_back())
-        bytes -= recent.back().second;
+        bytes -= recent.back().pixels->decodedSize();
     setSource(image);
+}
+
+void AppModel::forgetRecentSource(const std::shared_ptr<const SourcePixels>& pixels)
+{
+    std::erase_if(m_recentSources, [&](const RecentSource& s) { return s.pixels == pixels; });
 }
 
 /// The version grows in any case, the image is told of only when it is another.
 void AppModel::setSource(const std::optional<CIImage>& image)
 {
     const auto& old = sourceImage.value();
-    if (old.has_value() != image.has_value() || (old && !old->isSame(*image)))
+    if (old.has_value() != image.has_value() || (old && !old->isSame(*image))) {
         sourceImage = image;
+        // The looks' pictures show the one before; those of this one are still to be drawn.
+        lookPreviews = std::map<std::string, Thumbnail>();
+    }
     sourceImageVersion = sourceImageVersion + 1;
 }
 

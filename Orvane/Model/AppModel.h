@@ -16,6 +16,8 @@
 
 namespace orvane {
 
+struct LookThumbs;
+
 /// The editor: the open set of images, the edit of the active one, and every operation on them. The
 /// window reads its fields and calls it. Main thread only; background work takes values out and
 /// comes back as one message.
@@ -141,10 +143,12 @@ public:
     bool saveCollection(const std::string& name);
     void renameCollection(const Collection& collection, const std::string& name);
     void deleteCollection(const Collection& collection);
-    /// Opens a collection in the session's place; confirmDiscardingWork() comes before it.
-    void loadSources(const Collection& collection);
-    /// The open collection; absent with none, or when its entry has gone.
-    std::optional<Collection> currentCollection() const;
+    /// Opens a collection in the session's place; confirmDiscardingWork() comes before it, and once
+    /// more when the session has changed while photos were on their way. What is opened is the
+    /// stored entry: an answer to that question may have made it anew.
+    void loadSources(Collection collection);
+    /// The open collection, until the list changes; null with none, or when its entry has gone.
+    const Collection* currentCollection() const;
 
     // ---- Adjusting ----------------------------------------------------------------------------
 
@@ -302,6 +306,21 @@ private:
         EditState state;
     };
 
+    /// An edit where it lies: the rules compare edits, and copies of them all would cost more than
+    /// the comparison.
+    struct EditRef {
+        const EditState* edit = nullptr;
+
+        bool operator==(const EditRef& other) const { return *edit == *other.edit; }
+    };
+    using SessionView = std::vector<SessionRules::Item<EditRef>>;
+
+    /// A decoded picture looked at lately.
+    struct RecentSource {
+        std::shared_ptr<const SourcePixels> pixels;
+        CIImage image;
+    };
+
     double now() const;
     std::optional<size_t> indexOf(const std::string& id) const;
     /// Changes a copy of the session and sets it, so that observers are told once.
@@ -312,22 +331,28 @@ private:
         session = std::move(changed);
     }
     SessionItem sessionItem(const EditImage& image) const;
-    void showSource(const SourcePixels& pixels);
+    SessionView sessionView(const EditState& active) const;
+    bool isCollectionDirty(const Collection& collection) const;
+    void showSource(const std::shared_ptr<const SourcePixels>& pixels);
+    void forgetRecentSource(const std::shared_ptr<const SourcePixels>& pixels);
     void setSource(const std::optional<CIImage>& image);
     void forgetActiveImage();
     bool storeEdits(std::vector<PendingEdit> pending);
     void makeSupportFolder() const;
     EditImage adopted(IncomingImage incoming) const;
     bool mayRemove(const EditImage& image);
+    std::optional<IncomingImage> pastedImage();
     void adoptPhotos(std::vector<PhotoSource::Photo> photos, bool append);
     std::string variantName(const std::string& name) const;
     void applyGradeOf(Looks::Look look);
+    void takeLooks(const LookThumbs* thumbs);
     std::optional<CGSize> cropFrame() const;
 
     Collection collectionOfSession(const std::string& name) const;
     bool storeCollections(const std::vector<Collection>& changed, const std::string& complaint);
-    void finishLoading(const Collection& collection, std::vector<IncomingImage> incoming);
-    void applyCollectionEdits(const Collection& collection);
+    const Collection* storedCollection(const Collection& record) const;
+    void finishLoading(Collection collection, const std::vector<SessionItem>& confirmed,
+                       std::vector<IncomingImage> incoming);
     void reportMissingSources(const Collection& collection, bool partial);
 
     /// A batch of exports in flight.
@@ -351,7 +376,8 @@ private:
     LutStore m_lutStore;
     /// Held weakly by what comes back later, so that it finds out when the model has gone.
     std::shared_ptr<AppModel*> m_alive;
-    std::vector<std::pair<CIImage, size_t>> m_recentSources; ///< with their bytes, newest first
+    std::vector<RecentSource> m_recentSources; ///< newest first
+    std::optional<CIImage> m_lookFrame; ///< what the looks are fitted to: framed at activation
     std::shared_ptr<ExportQueue::Ticket> m_export; ///< of the single export or share in flight
     std::filesystem::path m_shareFolder; ///< this run's own; empty until something is shared
     std::shared_ptr<ExportBatch> m_batch; ///< in flight, otherwise null

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 namespace orvane {
@@ -26,6 +27,9 @@ std::array<double, 5> valuesOf(const EditState::Levels& levels)
 
 void AppModel::setAdjust(const std::string& key, double value)
 {
+    // No store can hold it: the image could never be saved again.
+    if (!std::isfinite(value))
+        return;
     AdjustMap changed = adjust.value();
     changed[key] = value;
     adjust = std::move(changed);
@@ -67,6 +71,11 @@ void AppModel::resetLevels()
 
 void AppModel::setCurve(const std::string& channel, std::vector<CurvePoint> points)
 {
+    const auto isFinite = [](const CurvePoint& p) {
+        return std::isfinite(p.x) && std::isfinite(p.y);
+    };
+    if (!std::all_of(points.begin(), points.end(), isFinite))
+        return;
     for (CurvePoint& point : points)
         point = {std::clamp(point.x, 0.0, 255.0), std::clamp(point.y, 0.0, 255.0)};
     std::stable_sort(points.begin(), points.end(),
@@ -109,8 +118,8 @@ void AppModel::applyLook(const std::string& id)
 {
     // A click may come before the background has fitted the looks to a picture just opened.
     if (lookRecipes.value().empty()) {
-        if (const auto framed = geometrySource())
-            lookRecipes = LookThumbs::fitted(*framed);
+        if (m_lookFrame)
+            lookRecipes = LookThumbs::fitted(*m_lookFrame);
     }
     const auto& recipes = lookRecipes.value();
     const auto look = std::find_if(recipes.begin(), recipes.end(),
@@ -131,7 +140,7 @@ void AppModel::makeItPop()
 void AppModel::setLookStrength(double strength)
 {
     const auto look = lastLook.value();
-    if (!look)
+    if (!look || !std::isfinite(strength))
         return;
     lookStrength = strength;
     applyGrade(Looks::apply(*look, strength), {});
@@ -148,23 +157,32 @@ void AppModel::refreshLookThumbs()
 {
     // The recipes of another picture must not be applied to this one.
     lookRecipes = std::vector<Looks::Look>();
-    const auto framed = geometrySource();
-    if (!framed) {
+    m_lookFrame = geometrySource();
+    if (!m_lookFrame) {
         m_lookJob.cancel();
         looks = std::vector<LookItem>();
         lookPreviews = std::map<std::string, Thumbnail>();
         return;
     }
-    m_lookJob.start([image = *framed](
+    m_lookJob.start([image = *m_lookFrame](
                         const CancellationToken& token) { return LookThumbs::drawn(image, token); },
-                    [this](const LookThumbs& thumbs) {
-                        std::vector<LookItem> items;
-                        for (const Looks::Look& look : thumbs.recipes)
-                            items.push_back({look.id, look.name});
-                        lookRecipes = thumbs.recipes;
-                        looks = std::move(items);
-                        lookPreviews = thumbs.previews;
-                    });
+                    [this](const LookThumbs* thumbs) { takeLooks(thumbs); });
+}
+
+/// Null when there was no memory for them: then the looks are shown without pictures, and fitted
+/// when one is chosen.
+void AppModel::takeLooks(const LookThumbs* thumbs)
+{
+    if (!thumbs) {
+        lookPreviews = std::map<std::string, Thumbnail>();
+        return;
+    }
+    std::vector<LookItem> items;
+    for (const Looks::Look& look : thumbs->recipes)
+        items.push_back({look.id, look.name});
+    lookRecipes = thumbs->recipes;
+    looks = std::move(items);
+    lookPreviews = thumbs->previews;
 }
 
 } // namespace orvane

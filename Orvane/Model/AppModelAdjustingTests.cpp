@@ -2,6 +2,8 @@
 
 #include "LookThumbs.h"
 
+#include <limits>
+
 namespace orvane {
 namespace {
 
@@ -75,6 +77,35 @@ TEST_F(AdjustingTest, HoldsCurvesToTheirScaleAndInOrder)
     model->setCurve("g", {{300, -4}, {10, 1}, {200, 7}, {10, 2}});
     const std::vector<EditState::CurvePoint> expected = {{10, 1}, {10, 2}, {200, 7}, {255, 0}};
     EXPECT_THAT(model->curve.value(), ElementsAre(Pair("g", expected)));
+}
+
+// A number that no store can hold would make the image one that can never be saved again.
+TEST_F(AdjustingTest, TakesNoNumberThatCannotBeStored)
+{
+    open({"a.jpg"});
+    model->applyLook("warm");
+    const EditState before = model->editState();
+    for (const double value :
+         {std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity()}) {
+        model->setAdjust("exposure", value);
+        model->setLevels("levelsGamma", value);
+        model->setCurve("g", {{0, 9}, {value, 5}});
+        model->setCurve("g", {{0, 9}, {5, value}});
+        model->setLookStrength(value);
+    }
+    EXPECT_EQ(model->editState(), before);
+}
+
+TEST_F(AdjustingTest, FitsLooksToThePictureAsItWasActivated)
+{
+    open({"a.jpg"});
+    const auto fitted = LookThumbs::fitted(*model->geometrySource());
+    model->canvasAspect = 3;
+    model->canvasFill = std::string("color");
+    model->canvasColor = std::string("#ffffff");
+    ASSERT_NE(LookThumbs::fitted(*model->geometrySource()), fitted);
+    model->applyLook("warm");
+    EXPECT_EQ(model->lookRecipes.value(), fitted);
 }
 
 TEST_F(AdjustingTest, ResetsGroupsAndLevels)

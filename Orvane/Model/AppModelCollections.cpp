@@ -2,12 +2,9 @@
 
 #include "AppModel.h"
 
-#include "AtomicFile.h"
-#include "SourceKey.h"
 #include "Wording.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace orvane {
 
@@ -15,13 +12,6 @@ namespace {
 
 /// Seconds between the beginnings of 1970 and of 2001, from which collections count.
 constexpr double secondsTo2001 = 978307200;
-
-std::vector<Collection>::const_iterator named(const std::vector<Collection>& collections,
-                                              const std::string& name)
-{
-    return std::find_if(collections.begin(), collections.end(),
-                        [&](const Collection& c) { return isSameName(c.name, name); });
-}
 
 Alert lostQuestion(size_t lost)
 {
@@ -55,11 +45,23 @@ Alert deletionQuestion(const std::string& name, bool holdsVariants)
 
 } // namespace
 
-std::optional<Collection> AppModel::currentCollection() const
+const Collection* AppModel::currentCollection() const
 {
     const auto& all = collections.value();
     const auto found = named(all, currentCollectionName);
-    return found == all.end() ? std::nullopt : std::optional(*found);
+    return found == all.end() ? nullptr : &*found;
+}
+
+/// What the list holds of a collection that a caller took from it some time ago. Every save gives
+/// it another id, so that the name has to find it then; null when both are gone.
+const Collection* AppModel::storedCollection(const Collection& record) const
+{
+    const auto& all = collections.value();
+    auto found = std::find_if(all.begin(), all.end(),
+                              [&](const Collection& c) { return c.id == record.id; });
+    if (found == all.end())
+        found = named(all, record.name);
+    return found == all.end() ? nullptr : &*found;
 }
 
 Collection AppModel::collectionOfSession(const std::string& name) const
@@ -106,7 +108,7 @@ bool AppModel::saveCollection(const std::string& name)
     std::vector<Collection> changed = collections;
     std::erase_if(changed, [&](const Collection& c) { return isSameName(c.name, wanted); });
     changed.push_back(collectionOfSession(wanted));
-    if (!storeCollections(changed, "Couldn't save the collection " + inQuotes(wanted)))
+    if (!storeCollections(changed, "Couldn't save the collection " + inQuotes(name)))
         return false;
     currentCollectionName = wanted;
     syncWindowChrome();
@@ -117,10 +119,8 @@ bool AppModel::saveCollection(const std::string& name)
 bool AppModel::autoCreateCollectionForVariants()
 {
     parkActiveState();
-    std::string name = "Untitled";
     const auto& all = collections.value();
-    for (int number = 2; named(all, name) != all.end(); ++number)
-        name = "Untitled " + std::to_string(number);
+    const std::string name = freeName(all, "Untitled");
     const Collection made = collectionOfSession(name);
     if (made.sources.empty())
         return false;
@@ -136,26 +136,28 @@ bool AppModel::autoCreateCollectionForVariants()
 void AppModel::renameCollection(const Collection& collection, const std::string& name)
 {
     const std::string wanted = trimmed(name);
-    if (wanted.empty())
+    const Collection* const stored = storedCollection(collection);
+    if (wanted.empty() || !stored)
         return;
+    const Collection old = *stored;
     std::vector<Collection> changed = collections;
+    // Its own name in another case is no conflict.
     const bool isTaken = std::any_of(changed.begin(), changed.end(), [&](const Collection& c) {
-        return c.id != collection.id && isSameName(c.name, wanted);
+        return c.id != old.id && isSameName(c.name, wanted);
     });
     if (isTaken) {
         m_desktop.ask({.message = "A collection named " + inQuotes(wanted) + " already exists"});
         return;
     }
-    const std::string oldName = collection.name;
     for (Collection& candidate : changed) {
-        if (candidate.id != collection.id)
+        if (candidate.id != old.id)
             continue;
         candidate.name = wanted;
         candidate.updatedAt = now() - secondsTo2001;
     }
-    if (!storeCollections(changed, "Couldn't rename the collection " + inQuotes(oldName)))
+    if (!storeCollections(changed, "Couldn't rename the collection " + inQuotes(name)))
         return;
-    if (isSameName(oldName, currentCollectionName)) {
+    if (isSameName(old.name, currentCollectionName)) {
         currentCollectionName = wanted;
         syncWindowChrome();
     }
@@ -163,8 +165,11 @@ void AppModel::renameCollection(const Collection& collection, const std::string&
 
 void AppModel::deleteCollection(const Collection& collection)
 {
-    // A copy: it may be an entry of the list that is about to change.
-    const Collection deleted = collection;
+    const Collection* const stored = storedCollection(collection);
+    if (!stored)
+        return;
+    // A copy: it is an entry of the list that is about to change.
+    const Collection deleted = *stored;
     const bool isOpen = isSameName(deleted.name, currentCollectionName);
     const bool holdsVariants =
         isOpen && !SessionRules::conflictingVariantSources(sessionItems()).empty();
@@ -174,118 +179,20 @@ void AppModel::deleteCollection(const Collection& collection)
     std::erase_if(changed, [&](const Collection& c) { return c.id == deleted.id; });
     if (!storeCollections(changed, "Couldn't delete the collection " + inQuotes(deleted.name)))
         return;
+    // Its images stay, loose, so that what was edited in them can still be saved.
     if (isOpen) {
         currentCollectionName = std::string();
         syncWindowChrome();
     }
 }
 
-// ---- Opening ----
-
-void AppModel::loadSources(const Collection& collection)
-{
-    std::vector<std::string> identifiers;
-    std::vector<IncomingImage> incoming;
-    for (const std::string& source : collection.sources) {
-        if (const auto file = SourceKey::filePath(source)) {
-            if (auto bytes = readFile(*file, std::numeric_limits<size_t>::max()))
-                incoming.push_back({.data = std::move(*bytes),
-                                    .name = SourceKey::readableName(*file),
-                                    .source = source});
-        } else if (const auto photo = SourceKey::photoIdentifier(source)) {
-            identifiers.push_back(*photo);
-        }
-    }
-    if (identifiers.empty() || !m_surroundings.photos) {
-        finishLoading(collection, std::move(incoming));
-        return;
-    }
-    std::vector<std::string> distinct = identifiers;
-    std::sort(distinct.begin(), distinct.end());
-    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
-    m_surroundings.photos->loadFullImages(
-        distinct,
-        [alive = std::weak_ptr(m_alive), collection, identifiers,
-         incoming](std::vector<PhotoSource::Photo> photos) {
-            const auto model = alive.lock();
-            if (!model)
-                return;
-            std::vector<IncomingImage> all = incoming;
-            for (const std::string& identifier : identifiers) {
-                const auto photo =
-                    std::find_if(photos.begin(), photos.end(), [&](const PhotoSource::Photo& p) {
-                        return p.identifier == identifier;
-                    });
-                if (photo != photos.end())
-                    all.push_back({.data = photo->data,
-                                   .name = photo->name,
-                                   .source = SourceKey::ofPhoto(identifier)});
-            }
-            (*model)->finishLoading(collection, std::move(all));
-        });
-}
-
-void AppModel::finishLoading(const Collection& collection, std::vector<IncomingImage> incoming)
-{
-    incoming = decodedImages(std::move(incoming));
-    if (incoming.empty()) {
-        reportMissingSources(collection, false);
-        return;
-    }
-    const size_t found = incoming.size();
-    suppressSavedRestore = true;
-    adoptIntoSession(std::move(incoming), false);
-    suppressSavedRestore = false;
-    applyCollectionEdits(collection);
-    currentCollectionName = collection.name;
-    syncWindowChrome();
-    if (found < collection.sources.size())
-        reportMissingSources(collection, true);
-}
-
-/// A source that stands several times gets its versions in their order.
-void AppModel::applyCollectionEdits(const Collection& collection)
-{
-    changeSession([&](std::vector<EditImage>& open) {
-        std::vector<bool> isUsed(open.size());
-        const size_t count = std::min(collection.sources.size(), collection.edits.size());
-        for (size_t i = 0; i < count; ++i) {
-            for (size_t k = 0; k < open.size(); ++k) {
-                if (isUsed[k] || open[k].source != collection.sources[i])
-                    continue;
-                isUsed[k] = true;
-                open[k].state = collection.edits[i];
-                open[k].history = {};
-                open[k].history.seed(open[k].state);
-                open[k].thumb = renderThumb(open[k]);
-                break;
-            }
-        }
-    });
-    if (!session.value().empty())
-        activate(session.value().front().id, false);
-}
-
-void AppModel::reportMissingSources(const Collection& collection, bool partial)
-{
-    if (partial)
-        m_desktop.ask({.message = "Some images couldn't be found",
-                       .informative = inQuotes(collection.name)
-                           + " opened without the images that have been moved or deleted since it "
-                             "was saved. The rest came back with their edits."});
-    else
-        m_desktop.ask({.message = "That collection's images couldn't be found",
-                       .informative = inQuotes(collection.name)
-                           + " refers to images that have been moved or deleted. A collection "
-                             "stores your edits, not copies of your images — so it needs the "
-                             "originals to reopen."});
-}
+// ---- Before the set is replaced ----
 
 bool AppModel::confirmReplacingSession()
 {
-    const auto collection = currentCollection();
-    if (currentCollectionName.value().empty() || !collection
-        || !SessionRules::collectionIsDirty(sessionItems(), collection->sources, collection->edits))
+    const Collection* const collection = currentCollection();
+    // An emptied set counts too: its collection still holds the images.
+    if (currentCollectionName.value().empty() || !collection || !isCollectionDirty(*collection))
         return true;
     const std::string name = currentCollectionName;
     switch (m_desktop.ask(

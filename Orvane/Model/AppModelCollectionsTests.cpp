@@ -133,6 +133,122 @@ TEST_F(CollectionsTest, OpensWithItsOwnEdits)
                   "reopen."}));
 }
 
+TEST_F(CollectionsTest, ReadsAPhotoOfSeveralVersionsOnce)
+{
+    open({"a.jpg"});
+    model->duplicateImage();
+    expose(2);
+    EXPECT_TRUE(model->saveWork());
+    restart();
+    model->loadSources(named("Untitled"));
+    EXPECT_EQ(image(0).pixels, image(1).pixels);
+    EXPECT_EQ(model->sourceImageVersion, 1);
+    EXPECT_NE(bytesOf(*image(0).thumb), bytesOf(*image(1).thumb));
+    // Loose again, they differ from what their source is stored with.
+    desktop.answers = {0};
+    model->deleteCollection(named("Untitled"));
+    EXPECT_EQ(model->soleDirtyName(), "a.jpg");
+}
+
+// Whoever calls holds a copy of the list's entry, which may be stored anew meanwhile.
+TEST_F(CollectionsTest, GoesByTheStoredEntryNotByAnOldCopy)
+{
+    open({"a.jpg"});
+    EXPECT_TRUE(model->saveCollection("Trip"));
+    const Collection old = named("Trip");
+    expose(7);
+    desktop.answers = {0};
+    EXPECT_TRUE(model->confirmDiscardingWork());
+    model->loadSources(old);
+    EXPECT_EQ(exposure(), 7);
+    EXPECT_FALSE(model->isDirty());
+    // An entry of the list itself, which goes with every change of the list.
+    model->loadSources(model->collections.value().front());
+    EXPECT_EQ(exposure(), 7);
+
+    clock += 1;
+    model->renameCollection(old, "Journey");
+    EXPECT_EQ(collectionNames(), "Journey");
+    EXPECT_EQ(model->currentCollectionName.value(), "Journey");
+    const Collection journey = named("Journey");
+    EXPECT_TRUE(model->saveWork()); // with another id
+    desktop.takeAlerts();
+
+    // One that is not in the list at all.
+    const Collection gone{"gone", "Gone", {}, {}, 0};
+    model->renameCollection(gone, "Back");
+    model->deleteCollection(gone);
+    model->deleteCollection(old); // under its old name
+    EXPECT_THAT(desktop.takeAlerts(), testing::IsEmpty());
+    EXPECT_EQ(collectionNames(), "Journey");
+    expose(8);
+    EXPECT_TRUE(model->isDirty());
+    desktop.answers = {0};
+    model->deleteCollection(journey);
+    EXPECT_EQ(collectionNames(), "");
+    EXPECT_TRUE(model->isDirty());
+}
+
+TEST_F(CollectionsTest, AsksAgainWhenThereIsNewWorkBeforeThePhotosCome)
+{
+    FakePhotos library;
+    photos = &library;
+    restart();
+    const auto bytes = *readFile(picture("p.jpg"), 1'000'000);
+    const Collection other{"id", "Other", {"photos:1"}, {EditState()}, 0};
+    open({"a.jpg"});
+    for (const size_t answer : {2, 1}) { // Cancel, Discard
+        model->loadSources(other);
+        expose(double(answer));
+        desktop.answers = {answer};
+        library.completion({{bytes, "one.jpg", "1"}});
+        EXPECT_THAT(alertMessages(), ElementsAre("Save your edits to a.jpg?"));
+        EXPECT_EQ(imageNames(), answer == 2 ? "a.jpg" : "one.jpg");
+        EXPECT_EQ(exposure(), answer == 2 ? 2 : 0);
+    }
+    // Stored meanwhile, with another image: what opens is what is stored.
+    EXPECT_TRUE(model->saveCollection("Other"));
+    const Collection old = named("Other");
+    model->loadSources(old);
+    open({"b.jpg"}, true);
+    expose(5);
+    desktop.answers = {0};
+    library.completion({{bytes, "one.jpg", "1"}});
+    library.completion({{bytes, "one.jpg", "1"}});
+    EXPECT_THAT(alertMessages(), ElementsAre("Update “Other”?"));
+    EXPECT_EQ(imageNames(), "b.jpg, one.jpg");
+    EXPECT_EQ(image(1).state.adjust.at("exposure"), 5);
+}
+
+TEST_F(CollectionsTest, SurviveAStartThatCannotReadThem)
+{
+    open({"a.jpg", "b.jpg"});
+    EXPECT_TRUE(model->saveCollection("Trip"));
+    clock += 1;
+    EXPECT_TRUE(model->saveCollection("Home"));
+    const std::string good = content("support/Orvane/collections.json");
+
+    // The last save's backup stands in for a damaged file.
+    put("support/Orvane/collections.json", "[");
+    restart();
+    EXPECT_EQ(collectionNames(), "Trip");
+
+    // Out of reach at the start, and back at the first save, which must not replace it.
+    put("support/Orvane/collections.json.bak", "[");
+    restart();
+    EXPECT_EQ(collectionNames(), "");
+    put("support/Orvane/collections.json", good);
+    open({"b.jpg"});
+    clock += 1;
+    EXPECT_TRUE(model->saveCollection("trip"));
+    EXPECT_EQ(collectionNames(), "trip, Home, Trip 2");
+    EXPECT_EQ(named("Trip 2").sources.size(), 2u);
+    // Seen by now: what is deleted stays deleted.
+    desktop.answers = {0};
+    model->deleteCollection(named("Trip 2"));
+    EXPECT_EQ(collectionNames(), "trip, Home");
+}
+
 // Files first, then photos, in the collection's order within each kind, whatever the library's is.
 TEST_F(CollectionsTest, OpensPhotosOfTheLibrary)
 {
@@ -234,15 +350,15 @@ TEST_F(CollectionsTest, RenamesAndDeletes)
         std::function<void()> act;
     } cases[] = {
         {"Couldn't save the collection “New”", [&] { model->saveCollection("New"); }},
-        {"Couldn't rename the collection “Old”",
-         [&] {
-             model->renameCollection({"x", "Old", {}, {}}, "N");
-         }},
+        {"Couldn't rename the collection “N”", [&] { model->renameCollection(named("Old"), "N"); }},
         {"Couldn't delete the collection “Old”",
          [&] {
-             desktop.answers = {0}, model->deleteCollection({"x", "Old", {}, {}});
+             desktop.answers = {0};
+             model->deleteCollection(named("Old"));
          }},
     };
+    EXPECT_TRUE(model->saveCollection("Old"));
+    model->currentCollectionName = std::string();
     for (const auto& [message, act] : cases) {
         put("support/Orvane/collections.json", "[");
         put("support/Orvane/collections.json.bak", "[");

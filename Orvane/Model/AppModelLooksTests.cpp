@@ -82,8 +82,28 @@ TEST_F(SavedLooksTest, HoldAHundredAndReportABrokenLibrary)
     model->removeSavedLook("any");
     EXPECT_THAT(alertMessages(),
                 ElementsAre("Couldn't save the look “New”", "Couldn't remove that look"));
+    // The looks in memory outlive the file that was moved aside.
     model->saveLook("New");
-    EXPECT_EQ(lookNames(), "New");
+    restart();
+    EXPECT_EQ(model->savedLooks().size(), 100u);
+    EXPECT_TRUE(lookNames().starts_with("New, look 100, look 99,")) << lookNames();
+
+    // Nobody has seen what a file holds that was damaged from the start.
+    put("support/Orvane/saved-looks.json", "[");
+    put("support/Orvane/saved-looks.json.bak", "[");
+    restart();
+    model->saveLook("Other");
+    model->saveLook("Other");
+    EXPECT_EQ(lookNames(), "Other");
+}
+
+TEST_F(SavedLooksTest, ComeBackFromTheBackupAtTheStart)
+{
+    model->saveLook("One");
+    model->saveLook("Two");
+    put("support/Orvane/saved-looks.json", "[");
+    restart();
+    EXPECT_EQ(lookNames(), "One");
 }
 
 class LutsTest : public ModelTest {

@@ -79,11 +79,26 @@ std::vector<AppModel::SessionItem> AppModel::sessionItems() const
     return items;
 }
 
+/// The same items, with the edits where they lie; the active one is the caller's to hold.
+AppModel::SessionView AppModel::sessionView(const EditState& active) const
+{
+    SessionView items;
+    for (const EditImage& image : session.value()) {
+        const bool isActive = image.id == activeImageID.value();
+        items.push_back({image.source, {isActive ? &active : &image.state}, {}});
+        if (image.savedState)
+            items.back().saved = EditRef{&*image.savedState};
+    }
+    return items;
+}
+
 bool AppModel::hasEdits() const
 {
     const auto& curves = curve.value();
-    return !isAtRest(schema, adjust.value()) || !(crop.value() == CGRect(0, 0, 1, 1))
-        || std::abs(rotation) > smallestMove || flipH || flipV
+    // The levels are no sliders of the catalogue.
+    return !isAtRest(schema, adjust.value()) || levels() != Levels()
+        || !(crop.value() == CGRect(0, 0, 1, 1)) || std::abs(rotation) > smallestMove || flipH
+        || flipV
         || !std::all_of(curves.begin(), curves.end(),
                         [](const auto& entry) { return isIdentity(entry.second); })
         || !ciHealSpots.value().empty() || !lights.value().empty() || !texts.value().empty()
@@ -94,31 +109,41 @@ bool AppModel::isDirty() const
 {
     if (session.value().empty())
         return false;
-    if (currentCollectionName.value().empty())
-        return SessionRules::isDirty(sessionItems());
-    const auto collection = currentCollection();
-    return collection
-        && SessionRules::collectionIsDirty(sessionItems(), collection->sources, collection->edits);
+    if (currentCollectionName.value().empty()) {
+        const EditState active = editState();
+        return SessionRules::isDirty(sessionView(active));
+    }
+    const Collection* const collection = currentCollection();
+    return collection && isCollectionDirty(*collection);
+}
+
+bool AppModel::isCollectionDirty(const Collection& collection) const
+{
+    std::vector<EditRef> saved;
+    for (const EditState& edit : collection.edits)
+        saved.push_back({&edit});
+    const EditState active = editState();
+    return SessionRules::collectionIsDirty(sessionView(active), collection.sources, saved);
 }
 
 std::optional<std::string> AppModel::soleDirtyName() const
 {
-    std::optional<std::string> name;
-    for (const EditImage& image : session.value()) {
-        if (!sessionItem(image).isDirty())
-            continue;
-        if (name)
-            return std::nullopt;
-        name = image.name;
-    }
-    return name;
+    const EditState active = editState();
+    const SessionView items = sessionView(active);
+    if (SessionRules::dirtyCount(items).total != 1)
+        return std::nullopt;
+    const auto dirty =
+        std::find_if(items.begin(), items.end(), [](const auto& item) { return item.isDirty(); });
+    return session.value()[size_t(dirty - items.begin())].name;
 }
 
 std::string AppModel::saveTitle() const
 {
     if (const auto& name = currentCollectionName.value(); !name.empty())
         return "Update " + inQuotes(name);
-    return SessionRules::dirtyCount(sessionItems()).total >= 2 ? "Save All Edits" : "Save Edits";
+    const EditState active = editState();
+    return SessionRules::dirtyCount(sessionView(active)).total >= 2 ? "Save All Edits"
+                                                                    : "Save Edits";
 }
 
 // ---- Saving ----
@@ -131,7 +156,8 @@ bool AppModel::saveWork()
 
 bool AppModel::saveAllDirtyImages()
 {
-    const std::vector<SessionItem> items = sessionItems();
+    const EditState active = editState();
+    const SessionView items = sessionView(active);
     if (currentCollectionName.value().empty()
         && !SessionRules::conflictingVariantSources(items).empty())
         return offerCollectionForVariants();
@@ -140,7 +166,7 @@ bool AppModel::saveAllDirtyImages()
     for (size_t i = 0; i < items.size(); ++i) {
         const EditImage& image = session.value()[i];
         if (items[i].isDirty() && items[i].isSaveable())
-            pending.push_back({image.id, image.name, *items[i].source, items[i].current});
+            pending.push_back({image.id, image.name, *items[i].source, *items[i].current.edit});
     }
     const bool isComplete = storeEdits(std::move(pending));
     syncWindowChrome();
@@ -161,7 +187,8 @@ bool AppModel::storeEdits(std::vector<PendingEdit> pending)
     std::erase_if(pending, [&](const PendingEdit& edit) {
         const Result<std::string> encoded = encodedEditState(edit.state);
         if (!encoded)
-            fail(edit, encoded.error());
+            fail(edit,
+                 Error{"A value of the edit can't be stored (" + encoded.error().message + ")."});
         return !encoded.ok();
     });
     while (!pending.empty()) {
@@ -203,7 +230,8 @@ bool AppModel::confirmDiscardingWork()
         return confirmReplacingSession();
     if (!isDirty())
         return true;
-    const auto dirty = SessionRules::dirtyCount(sessionItems());
+    const EditState active = editState();
+    const auto dirty = SessionRules::dirtyCount(sessionView(active));
     const Alert alert = discardingQuestion(dirty, soleDirtyName().value_or(activeName()));
     const size_t answer = m_desktop.ask(alert);
     const std::string& button = alert.buttons[std::min(answer, alert.buttons.size() - 1)];

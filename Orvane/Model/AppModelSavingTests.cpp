@@ -66,6 +66,12 @@ TEST_F(SavingTest, AsksAboutUnsavedWorkInTheseWords)
          "first "
          "to keep that one. The rest will save.",
          {"Save All", "Discard", "Cancel"}},
+        {{{true, 0}, {false, 5}},
+         "Save Edits",
+         "Save your edits to Pasted 1.png?",
+         "1 of these were dropped or pasted onto the canvas, so Orvane can't save it — export "
+         "first to keep that one. The rest will save.",
+         {"Discard", "Cancel"}},
         {{{false, 4}, {false, 5}},
          "Save All Edits",
          "Save your edits to 2 images?",
@@ -165,9 +171,12 @@ TEST_F(SavingTest, OneMessageForEachEditThatCannotBeStored)
     // An edit that no JSON can hold fails alone.
     openAll({{true, 1}, {true, 2}});
     activate(0);
-    expose(std::numeric_limits<double>::infinity());
+    model->rotation = std::numeric_limits<double>::infinity();
     EXPECT_FALSE(model->saveWork());
-    EXPECT_THAT(alertMessages(), ElementsAre("Couldn't save your edits to “a.jpg”"));
+    EXPECT_THAT(desktop.takeAlerts(),
+                ElementsAre(Alert{"Couldn't save your edits to “a.jpg”",
+                                  "A value of the edit can't be stored (rotation: a number that is "
+                                  "not finite cannot be stored)."}));
     EXPECT_EQ(model->soleDirtyName(), "a.jpg");
 
     // A store that cannot be written: everything stays as it was, and is told.
@@ -195,10 +204,14 @@ TEST_F(SavingTest, VersionsOfOnePhotoGoIntoACollection)
         expose(2);
         desktop.answers = {answer};
         EXPECT_EQ(model->saveAllDirtyImages(), answer == 0);
-        const auto alerts = desktop.takeAlerts();
-        ASSERT_EQ(alerts.size(), 1u);
-        EXPECT_EQ(alerts[0].message, "Save these versions as a collection?");
-        EXPECT_THAT(alerts[0].buttons, ElementsAre("Save as Collection", "Cancel"));
+        EXPECT_THAT(
+            desktop.takeAlerts(),
+            ElementsAre(Alert{
+                "Save these versions as a collection?",
+                "This session holds more than one version of the same photo. Edits are kept per "
+                "photo, so saving them separately would keep only the last one — a collection "
+                "keeps every version.",
+                {"Save as Collection", "Cancel"}}));
         EXPECT_EQ(model->isDirty(), answer == 1);
     }
     ASSERT_EQ(model->collections.value().size(), 1u);
@@ -236,9 +249,19 @@ TEST_F(SavingTest, KnowsWhetherThePictureIsEdited)
          true},
         {"not in the catalogue",
          [](AppModel& m) {
-             m.adjust = {{"levelsGamma", 50}};
+             m.adjust = {{"fromTheFuture", 50}};
          },
          false},
+        {"levels at rest",
+         [](AppModel& m) {
+             m.adjust = {{"levelsWhiteIn", 255}};
+         },
+         false},
+        {"levels",
+         [](AppModel& m) {
+             m.adjust = {{"levelsGamma", 50}};
+         },
+         true},
         {"crop", [](AppModel& m) { m.crop = CGRect(0, 0, 1, 0.9); }, true},
         {"rotation", [](AppModel& m) { m.rotation = -0.002; }, true},
         {"hardly turned", [](AppModel& m) { m.rotation = 0.001; }, false},

@@ -2,12 +2,15 @@
 
 #include "AppModel.h"
 
-#include "AtomicFile.h"
+#include "PictureFiles.h"
 #include "SourceKey.h"
 #include "Wording.h"
 
+#include <QCoreApplication>
+#include <QThread>
+
 #include <algorithm>
-#include <limits>
+#include <cassert>
 
 namespace orvane {
 
@@ -91,6 +94,8 @@ EditImage AppModel::adopted(IncomingImage incoming) const
     if (!suppressSavedRestore && image.source)
         image.state = m_stateStore.state(*image.source).value_or(EditState());
     image.savedState = image.state;
+    if (incoming.edit)
+        image.state = std::move(*incoming.edit);
     image.history = historyFrom(image.state);
     image.thumb = renderThumb(image);
     return image;
@@ -98,6 +103,7 @@ EditImage AppModel::adopted(IncomingImage incoming) const
 
 void AppModel::adoptPhotos(std::vector<PhotoSource::Photo> photos, bool append)
 {
+    assert(QThread::currentThread() == QCoreApplication::instance()->thread());
     if (photos.empty())
         return;
     std::vector<IncomingImage> incoming;
@@ -126,42 +132,53 @@ void AppModel::importFromPhotos()
 {
     if (!confirmDiscardingWork() || !m_desktop.hasWindow() || !m_surroundings.photos)
         return;
-    m_surroundings.photos->pickImages(
-        [alive = std::weak_ptr(m_alive)](std::vector<PhotoSource::Photo> photos) {
-            if (const auto model = alive.lock())
-                (*model)->adoptPhotos(std::move(photos), false);
-        });
+    // The panel is not modal: the answer holds for the work that it was given about.
+    m_surroundings.photos->pickImages([alive = std::weak_ptr(m_alive), confirmed = sessionItems()](
+                                          std::vector<PhotoSource::Photo> photos) {
+        const auto model = alive.lock();
+        if (!model || photos.empty())
+            return;
+        if ((*model)->sessionItems() == confirmed || (*model)->confirmDiscardingWork())
+            (*model)->adoptPhotos(std::move(photos), false);
+    });
 }
 
 void AppModel::pasteImage()
 {
-    auto pasted = m_desktop.pastedPicture();
-    if (!pasted) {
+    std::optional<IncomingImage> image = pastedImage();
+    if (!image) {
         m_desktop.ask(
             {.message = "Nothing to paste", .informative = "The clipboard doesn't hold an image."});
         return;
     }
-    IncomingImage image;
-    const auto files = m_desktop.pastedFiles();
-    auto bytes = files.empty() ? Result<std::vector<uint8_t>>(Error{})
-                               : readFile(files.front(), std::numeric_limits<size_t>::max());
-    if (bytes) {
-        image.data = std::move(*bytes);
-        image.name = SourceKey::readableName(files.front());
-        image.source = SourceKey::ofFile(files.front());
-    } else {
-        pastedCount = pastedCount + 1;
-        const bool isPng = pasted->kind == PastedPicture::Kind::Png;
-        image.data = std::move(pasted->bytes);
-        image.name = "Pasted " + std::to_string(pastedCount) + (isPng ? ".png" : ".tiff");
-    }
-    image.decode();
-    const CIImage held = image.held; // until it is active
+    const CIImage held = image->held; // until it is active
     std::vector<IncomingImage> incoming;
-    incoming.push_back(std::move(image));
+    incoming.push_back(std::move(*image));
     adoptIntoSession(std::move(incoming), !session.value().empty());
-    if (!session.value().empty())
-        activate(session.value().back().id, true);
+    activate(session.value().back().id, true);
+}
+
+/// What the clipboard holds, decoded: the file that it refers to, which can be saved, or else the
+/// bare picture. A file manager offers the file alone.
+std::optional<IncomingImage> AppModel::pastedImage()
+{
+    if (const auto files = m_desktop.pastedFiles(); !files.empty()) {
+        ReadImages read = readImages(std::vector{files.front()});
+        if (!read.images.empty())
+            return std::move(read.images.front());
+    }
+    auto pasted = m_desktop.pastedPicture();
+    if (!pasted)
+        return std::nullopt;
+    const bool isPng = pasted->kind == PastedPicture::Kind::Png;
+    IncomingImage image{.data = std::move(pasted->bytes),
+                        .name = "Pasted " + std::to_string(pastedCount + 1)
+                            + (isPng ? ".png" : ".tiff"),
+                        .source = {}};
+    if (!image.decode())
+        return std::nullopt;
+    pastedCount = pastedCount + 1;
+    return image;
 }
 
 // ---- Beside ----
@@ -220,6 +237,11 @@ void AppModel::removeImage(const std::string& id)
         resetTools();
     changeSession(
         [&](std::vector<EditImage>& open) { open.erase(open.begin() + std::ptrdiff_t(*index)); });
+    // Copies of it in the strip share its pixels.
+    const auto& rest = session.value();
+    if (std::none_of(rest.begin(), rest.end(),
+                     [&](const EditImage& other) { return other.pixels == image.pixels; }))
+        forgetRecentSource(image.pixels);
     if (!wasActive)
         return;
     const auto& open = session.value();

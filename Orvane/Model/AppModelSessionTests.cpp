@@ -16,6 +16,9 @@ TEST_F(SessionTest, TellsOfFilesThatAreNoPictures)
     const auto bad = folder / "bad.jpg";
     const auto worse = folder / "worse.png";
     const auto gone = folder / "gone.jpg";
+    // Larger than any picture, and without a byte of that on the disk.
+    const auto huge = picture("huge.jpg");
+    std::filesystem::resize_file(huge, size_t(5) << 30);
     const struct {
         std::vector<std::filesystem::path> files;
         const char* message;
@@ -23,6 +26,7 @@ TEST_F(SessionTest, TellsOfFilesThatAreNoPictures)
     } cases[] = {
         {{bad}, "Couldn't open that file", "bad.jpg"},
         {{folder}, "Couldn't open that file", nullptr},
+        {{huge}, "Couldn't open that file", "huge.jpg"},
         {{bad, gone, worse}, "Couldn't open those files", "bad.jpg, gone.jpg, worse.png"},
         {{good, bad, good, gone}, "2 opened, 2 couldn't be read", "bad.jpg, gone.jpg"},
         {{good}, nullptr, nullptr},
@@ -69,6 +73,52 @@ TEST_F(SessionTest, AdoptsBesideOrInPlace)
     EXPECT_EQ(desktop.chrome.title, "Orvane");
 }
 
+TEST_F(SessionTest, KnowsAFileByWhicheverPath)
+{
+    picture("a.jpg", {200, 0, 0});
+    std::filesystem::create_directories(folder / "far" / "inner");
+    writePicture(folder / "far" / "a.jpg", {0, 0, 200});
+    std::filesystem::create_directory_symlink(folder / "far" / "inner", folder / "link");
+    const struct {
+        std::filesystem::path path;
+        std::string source;
+    } cases[] = {
+        {folder / "a.jpg", source("a.jpg")},
+        {folder / "." / "" / "a.jpg", source("a.jpg")},
+        {std::filesystem::relative(folder / "a.jpg"), source("a.jpg")},
+        {folder / "far" / ".." / "a.jpg", source("a.jpg")},
+        // ".." leads out of what the link points to, not out of where it lies.
+        {folder / "link" / ".." / "a.jpg", source("far/a.jpg")},
+    };
+    for (const auto& [path, expected] : cases) {
+        model->adoptIntoSession(model->readImageFiles({path}), false);
+        EXPECT_EQ(image(0).source, expected) << path;
+        model->removeImage(image(0).id);
+        desktop.pasteboardFiles = {path};
+        model->pasteImage();
+        EXPECT_EQ(image(0).source, expected) << path;
+    }
+}
+
+TEST_F(SessionTest, LetsGoOfARemovedPicture)
+{
+    open({"a.jpg", "b.jpg"});
+    activate(1);
+    activate(0);
+    model->duplicateImage();
+    waitFor([&] { return !model->isFittingLooks(); });
+    const std::weak_ptr<const Node> decoded = model->sourceImage.value()->node();
+    const auto removeNext = [&] {
+        model->removeImage(image(0).id);
+        waitFor([&] { return !model->isFittingLooks(); });
+    };
+    removeNext();
+    EXPECT_FALSE(decoded.expired()); // its copy is on screen
+    removeNext();
+    EXPECT_EQ(imageNames(), "b.jpg");
+    EXPECT_TRUE(decoded.expired());
+}
+
 TEST_F(SessionTest, PastesABitmapOrTheFileItCameFrom)
 {
     model->pasteImage();
@@ -85,6 +135,24 @@ TEST_F(SessionTest, PastesABitmapOrTheFileItCameFrom)
     desktop.pasteboardFiles = {folder / "gone.jpg"};
     paste();
     EXPECT_EQ(imageNames(), "Pasted 1.png, a.jpg, Pasted 3.png");
+
+    // A file manager offers a file and no picture.
+    desktop.pasteboardPicture.reset();
+    desktop.pasteboardFiles = {picture("b.jpg")};
+    model->pasteImage();
+    EXPECT_EQ(model->activeName(), "b.jpg");
+    EXPECT_EQ(model->pastedCount, 3);
+    // What cannot be decoded changes nothing.
+    activate(0);
+    const Alert nothing{"Nothing to paste", "The clipboard doesn't hold an image."};
+    desktop.pasteboardFiles = {folder / "gone.jpg"};
+    model->pasteImage();
+    desktop.pasteboardPicture = PastedPicture{PastedPicture::Kind::Png, {1, 2, 3}};
+    model->pasteImage();
+    EXPECT_THAT(desktop.takeAlerts(), ElementsAre(nothing, nothing));
+    EXPECT_EQ(imageNames(), "Pasted 1.png, a.jpg, Pasted 3.png, b.jpg");
+    EXPECT_EQ(model->activeName(), "Pasted 1.png");
+    EXPECT_EQ(model->pastedCount, 3);
 }
 
 TEST_F(SessionTest, NamesDuplicatesAndPutsThemBesideTheirOriginal)
@@ -235,6 +303,16 @@ TEST_F(SessionTest, TakesPhotosFromTheLibrary)
     library.completion({{bytes, "picked.jpg", ""}});
     EXPECT_EQ(imageNames(), "picked.jpg");
     EXPECT_FALSE(image(0).source);
+
+    // The question comes again when there is new work behind the panel.
+    model->importFromPhotos();
+    expose(3);
+    desktop.answers = {1, 0};
+    library.completion({{bytes, "other.jpg", ""}});
+    EXPECT_EQ(imageNames(), "picked.jpg");
+    EXPECT_EQ(exposure(), 3);
+    library.completion({{bytes, "other.jpg", ""}});
+    EXPECT_EQ(imageNames(), "other.jpg");
 
     // Refused: a dirty session that is kept, no window, a model that has gone.
     library.completion = nullptr;

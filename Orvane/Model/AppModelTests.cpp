@@ -247,9 +247,15 @@ TEST_F(ModelTest, ReducesLargeImagesByAveragingFirst)
 
 TEST_F(ModelTest, FitsLooksToTheActiveImageInTheBackground)
 {
+    picture("a.jpg", {245, 240, 235});
+    picture("b.jpg", {20, 40, 90});
     open({"a.jpg", "b.jpg"});
-    activate(1);
     waitFor([&] { return !model->isFittingLooks(); });
+    const auto ofTheFirst = model->lookRecipes.value();
+    activate(1);
+    EXPECT_TRUE(model->lookPreviews.value().empty()); // those of another picture
+    waitFor([&] { return !model->isFittingLooks(); });
+    EXPECT_FALSE(model->lookRecipes.value() == ofTheFirst);
     EXPECT_EQ(model->looks.value().size(), 10u);
     EXPECT_EQ(model->lookRecipes.value(), LookThumbs::fitted(*model->geometrySource()));
     EXPECT_EQ(model->lookPreviews.value().size(), 10u);

@@ -1,13 +1,13 @@
 #include "EditImage.h"
 
-#include "AtomicFile.h"
+#include "PictureFiles.h"
 #include "SourceKey.h"
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <future>
-#include <limits>
-#include <new>
+#include <map>
 #include <thread>
 
 namespace orvane {
@@ -24,20 +24,6 @@ bool IncomingImage::decode()
     return true;
 }
 
-std::vector<IncomingImage> decodedImages(std::vector<IncomingImage> incoming)
-{
-    std::vector<IncomingImage> images;
-    for (IncomingImage& image : incoming) {
-        if (!image.decode())
-            continue;
-        // Only the first will be looked at now.
-        if (!images.empty())
-            image.held = {};
-        images.push_back(std::move(image));
-    }
-    return images;
-}
-
 namespace {
 
 /// How many pictures are decoded at a time: more only take more memory.
@@ -47,52 +33,86 @@ unsigned decodersAtOnce(size_t files)
         std::min<size_t>(std::clamp(std::thread::hardware_concurrency(), 1U, 4U), files));
 }
 
-IncomingImage readImage(const std::filesystem::path& given)
+/// work(i) for every index below `count`, on a few threads; it does not throw.
+template <class Work> void forEachAtOnce(size_t count, const Work& work)
 {
-    std::error_code none;
-    const auto file = std::filesystem::absolute(given, none).lexically_normal();
-    IncomingImage image{
-        .data = {}, .name = SourceKey::readableName(file), .source = SourceKey::ofFile(file)};
+    std::atomic<size_t> next = 0;
+    const auto workOn = [&] {
+        for (size_t i = next++; i < count; i = next++)
+            work(i);
+    };
+    std::vector<std::future<void>> helpers;
     try {
-        if (auto bytes = readFile(file, std::numeric_limits<size_t>::max())) {
-            image.data = std::move(*bytes);
-            image.decode();
-        }
-    } catch (const std::bad_alloc&) {
-        image.pixels.reset();
+        for (unsigned i = 1; i < decodersAtOnce(count); ++i)
+            helpers.push_back(std::async(std::launch::async, workOn));
+    } catch (const std::exception&) {
+        // The system gives no more threads: it takes longer, that is all.
+    }
+    workOn();
+    for (const auto& helper : helpers)
+        helper.wait();
+}
+
+IncomingImage readImage(const SourceFile& file)
+{
+    IncomingImage image{
+        .data = {}, .name = SourceKey::readableName(file.path), .source = file.source};
+    if (auto bytes = readPictureFile(file.path)) {
+        image.data = std::move(*bytes);
+        image.decode();
     }
     return image;
 }
 
 } // namespace
 
-ReadImages readImages(const std::vector<std::filesystem::path>& files)
+std::vector<IncomingImage> decodedImages(std::vector<IncomingImage> incoming)
 {
-    std::vector<IncomingImage> all(files.size());
-    std::atomic<size_t> next = 0;
-    const auto readSome = [&] {
-        for (size_t i = next++; i < files.size(); i = next++) {
-            all[i] = readImage(files[i]);
-            // Only the first will be looked at now.
-            if (i > 0)
-                all[i].held = {};
-        }
-    };
-    std::vector<std::future<void>> helpers;
-    for (unsigned i = 1; i < decodersAtOnce(files.size()); ++i)
-        helpers.push_back(std::async(std::launch::async, readSome));
-    readSome();
-    for (const auto& helper : helpers)
-        helper.wait();
+    forEachAtOnce(incoming.size(), [&](size_t i) {
+        incoming[i].decode();
+        // Only the first will be looked at now.
+        if (i > 0)
+            incoming[i].held = {};
+    });
+    std::erase_if(incoming, [](const IncomingImage& image) { return !image.pixels; });
+    return incoming;
+}
+
+ReadImages readImages(const std::vector<SourceFile>& files)
+{
+    std::map<std::filesystem::path, size_t> places;
+    std::vector<const SourceFile*> distinct;
+    for (const SourceFile& file : files) {
+        if (places.try_emplace(file.path, distinct.size()).second)
+            distinct.push_back(&file);
+    }
+    std::vector<IncomingImage> opened(distinct.size());
+    forEachAtOnce(distinct.size(), [&](size_t i) {
+        opened[i] = readImage(*distinct[i]);
+        if (i > 0)
+            opened[i].held = {};
+    });
 
     ReadImages read;
-    for (IncomingImage& image : all) {
+    for (const SourceFile& file : files) {
+        IncomingImage image = opened[places.at(file.path)];
+        image.source = file.source;
         if (image.pixels)
             read.images.push_back(std::move(image));
         else
             read.failed.push_back(std::move(image.name));
     }
     return read;
+}
+
+ReadImages readImages(const std::vector<std::filesystem::path>& files)
+{
+    std::vector<SourceFile> identified;
+    for (const auto& given : files) {
+        const auto path = identifyingPath(given);
+        identified.push_back({path, SourceKey::ofFile(path)});
+    }
+    return readImages(identified);
 }
 
 } // namespace orvane

@@ -42,6 +42,9 @@ struct IncomingImage {
     std::optional<std::string> source;
     std::shared_ptr<const SourcePixels> pixels = {}; ///< null until decoded
     CIImage held = {}; ///< keeps the decoded picture alive up to its activation; often empty
+    /// Comes in with this edit, while the baseline stays that of the source; otherwise with the
+    /// baseline itself.
+    std::optional<EditState> edit = {};
 
     /// Makes `pixels` of `data`, once; false when the bytes are no picture.
     bool decode();
@@ -52,11 +55,19 @@ struct ReadImages {
     std::vector<IncomingImage> images; ///< that of the first file with its picture held
     std::vector<std::string> failed; ///< names of those that are no pictures
 };
+/// A file, and the identity that its image gets.
+struct SourceFile {
+    std::filesystem::path path;
+    std::string source;
+};
 /// Reads and decodes files, several at a time; from any thread. The files are opened for reading
-/// only.
+/// only. A file that stands there several times is read once, and its images share their pixels.
+ReadImages readImages(const std::vector<SourceFile>& files);
+/// The same, with the identities that belong to the paths.
 ReadImages readImages(const std::vector<std::filesystem::path>& files);
 
-/// Decodes what came from elsewhere, and leaves out what is no picture; the first is held.
+/// Decodes what came from elsewhere, several at a time, and leaves out what is no picture; the
+/// first is held.
 std::vector<IncomingImage> decodedImages(std::vector<IncomingImage> incoming);
 
 } // namespace orvane

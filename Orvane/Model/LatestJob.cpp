@@ -10,7 +10,6 @@ LatestJob::LatestJob()
 LatestJob::~LatestJob()
 {
     cancel();
-    m_pool.clear();
     m_pool.waitForDone();
 }
 
@@ -19,6 +18,8 @@ void LatestJob::cancel()
     if (m_token)
         m_token->cancel();
     m_token.reset();
+    // What has not begun goes with all that it holds, such as a whole picture.
+    m_pool.clear();
 }
 
 } // namespace orvane

@@ -24,13 +24,16 @@ public:
     LatestJob(const LatestJob&) = delete;
     LatestJob& operator=(const LatestJob&) = delete;
 
-    /// `work(token)` runs in the background and owns all it reads; `done(result)` runs here, unless
-    /// another start() or a cancel() came first, or the work threw (memory alone does).
+    /// `work(token)` runs in the background and owns all it reads; `done(&result)` runs here,
+    /// unless another start() or a cancel() came first. It gets null when the work threw, as it
+    /// does without memory.
     template <class Work, class Done> void start(Work work, Done done)
     {
         cancel();
         m_token = std::make_shared<CancellationToken>();
         m_pool.start([this, token = m_token, work = std::move(work), done = std::move(done)] {
+            if (token->isCancelled())
+                return;
             std::optional<decltype(work(*token))> result;
             try {
                 result = work(*token);
@@ -41,8 +44,7 @@ public:
                 if (token != m_token)
                     return;
                 m_token.reset();
-                if (result)
-                    done(*result);
+                done(result ? &*result : nullptr);
             };
             QMetaObject::invokeMethod(&m_receiver, std::move(deliver), Qt::QueuedConnection);
         });

@@ -38,7 +38,7 @@ const char* const lutText = R"({"dimension":2,"id":"lut_1","name":"Film",)"
 
 TEST_F(LibraryTest, CollectionsKeepTheirStoredForm)
 {
-    const CollectionStore store(folder / "collections.json");
+    CollectionStore store(folder / "collections.json");
     EXPECT_TRUE(store.load().empty());
     const Collection collection{"A-1", "Été", {"file:/a", "file:/a"}, {EditState()}, 757382400.25};
     ASSERT_TRUE(store.save({collection}));
@@ -53,7 +53,7 @@ TEST_F(LibraryTest, CollectionsKeepTheirStoredForm)
 
 TEST_F(LibraryTest, LooksKeepTheirStoredForm)
 {
-    const LooksStore store(folder / "saved-looks.json");
+    LooksStore store(folder / "saved-looks.json");
     EXPECT_TRUE(store.load().empty());
     const SavedLook look{
         "look_1", "Warm", {{"exposure", 12.5}}, {{"r", {{0, 1}, {255, 250}}}}, 1700000000.5};
@@ -75,8 +75,8 @@ TEST_F(LibraryTest, LooksKeepTheirStoredForm)
 
 TEST_F(LibraryTest, ABrokenListIsShownEmptyAndNeverReplacedWithoutAWord)
 {
-    const CollectionStore collections(folder / "collections.json");
-    const LooksStore looks(folder / "saved-looks.json");
+    CollectionStore collections(folder / "collections.json");
+    LooksStore looks(folder / "saved-looks.json");
     const struct {
         const char* name;
         std::string text;

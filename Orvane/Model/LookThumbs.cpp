@@ -26,6 +26,8 @@ LookThumbs LookThumbs::drawn(const CIImage& framed, const CancellationToken& tok
 {
     // Drawn once: eleven readings of a large source would be ten too many.
     const CIImage copy = reducedCopy(framed, edge);
+    if (token.isCancelled())
+        return {};
     LookThumbs thumbs{fittedTo(copy), {}};
     for (const Looks::Look& look : thumbs.recipes) {
         if (token.isCancelled())

@@ -21,22 +21,33 @@ LooksStore::LooksStore(std::filesystem::path url)
 {
 }
 
-std::vector<SavedLook> LooksStore::load() const
+std::vector<SavedLook> LooksStore::load()
 {
-    return JSONStore::load<std::vector<SavedLook>>(m_url).value;
+    auto loaded = JSONStore::load<std::vector<SavedLook>>(m_url);
+    // Without this a damaged file would take the good looks in memory with it: the first save moves
+    // it aside and fails, and the second would begin from nothing.
+    m_isDamaged = loaded.kind == JSONStore::LoadKind::Unreadable
+        || (m_isDamaged && loaded.kind == JSONStore::LoadKind::Missing);
+    if (!m_isDamaged)
+        m_known = std::move(loaded.value);
+    return m_known;
 }
 
-Result<void> LooksStore::save(std::vector<SavedLook> looks) const
+Result<void> LooksStore::save(std::vector<SavedLook> looks)
 {
     const auto guard = JSONStore::loadForUpdate<std::vector<SavedLook>>(m_url, {});
     if (!guard)
         return guard.error();
     if (looks.size() > mostLooks)
         looks.resize(mostLooks);
-    return JSONStore::save(looks, m_url);
+    if (Result<void> saved = JSONStore::save(looks, m_url); !saved)
+        return saved;
+    m_known = std::move(looks);
+    m_isDamaged = false;
+    return {};
 }
 
-Result<std::vector<SavedLook>> LooksStore::remove(const std::string& id) const
+Result<std::vector<SavedLook>> LooksStore::remove(const std::string& id)
 {
     std::vector<SavedLook> looks = load();
     std::erase_if(looks, [&](const SavedLook& look) { return look.id == id; });

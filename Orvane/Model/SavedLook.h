@@ -28,18 +28,21 @@ public:
 
     explicit LooksStore(std::filesystem::path url);
 
-    /// None when the file is missing or cannot be read.
-    std::vector<SavedLook> load() const;
+    /// None when the file is missing. When it cannot be read, what was last read or saved here;
+    /// that also after the file has been moved aside, until a save puts a new one in its place.
+    std::vector<SavedLook> load();
 
     /// Keeps the first hundred. Fails as JSONStore::loadForUpdate() and save() do; a file that
     /// cannot be read is never replaced without a word.
-    Result<void> save(std::vector<SavedLook> looks) const;
+    Result<void> save(std::vector<SavedLook> looks);
 
     /// Takes the look of an id out of the file and answers the others.
-    Result<std::vector<SavedLook>> remove(const std::string& id) const;
+    Result<std::vector<SavedLook>> remove(const std::string& id);
 
 private:
     std::filesystem::path m_url;
+    std::vector<SavedLook> m_known; ///< as last read or saved
+    bool m_isDamaged = false; ///< the file could not be read, and nothing has replaced it yet
 };
 
 } // namespace orvane

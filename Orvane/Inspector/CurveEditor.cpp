@@ -1,5 +1,6 @@
 #include "CurveEditor.h"
 
+#include "Chevron.h"
 #include "CurvePlot.h"
 #include "SegmentedPicker.h"
 #include "SliderRow.h"
@@ -8,7 +9,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScopedValueRollback>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -88,8 +88,10 @@ QWidget* CurveEditor::makePointRow()
     layout->setSpacing(8);
     auto* label = new QLabel(tr("Point"));
     label->setFixedWidth(84);
-    m_previous = makeStepButton(tr("Previous point"), Qt::LeftArrow, -1);
-    m_next = makeStepButton(tr("Next point"), Qt::RightArrow, 1);
+    m_previous =
+        makeStepButton(new ChevronButton(ChevronButton::Direction::Left, tr("Previous point")), -1);
+    m_next =
+        makeStepButton(new ChevronButton(ChevronButton::Direction::Right, tr("Next point")), 1);
     m_place = new QLabel;
     layout->addWidget(label);
     layout->addWidget(m_previous);
@@ -99,16 +101,9 @@ QWidget* CurveEditor::makePointRow()
     return row;
 }
 
-QToolButton* CurveEditor::makeStepButton(const QString& help, Qt::ArrowType arrow, int step)
+QAbstractButton* CurveEditor::makeStepButton(ChevronButton* button, int step)
 {
-    auto* button = new QToolButton;
-    button->setArrowType(arrow);
-    button->setAutoRaise(true);
-    button->setFixedSize(24, 24);
-    button->setFocusPolicy(Qt::StrongFocus);
-    button->setToolTip(help);
-    button->setAccessibleName(help);
-    connect(button, &QToolButton::clicked, this,
+    connect(button, &ChevronButton::clicked, this,
             [this, step] { m_plot->select(size_t(int(m_plot->selected()) + step)); });
     return button;
 }

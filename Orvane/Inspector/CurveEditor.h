@@ -4,11 +4,12 @@
 
 #include <QWidget>
 
+class QAbstractButton;
 class QLabel;
-class QToolButton;
 
 namespace orvane {
 
+class ChevronButton;
 class CurvePlot;
 class SegmentedPicker;
 class SliderRow;
@@ -50,13 +51,13 @@ private:
     void movePointTo(double x, double y);
     QWidget* makePointRow();
     SliderRow* makeAxisRow(const QString& axis);
-    QToolButton* makeStepButton(const QString& help, Qt::ArrowType arrow, int step);
+    QAbstractButton* makeStepButton(ChevronButton* button, int step);
 
     Curve m_curve;
     SegmentedPicker* m_picker;
     CurvePlot* m_plot;
-    QToolButton* m_previous = nullptr;
-    QToolButton* m_next = nullptr;
+    QAbstractButton* m_previous = nullptr;
+    QAbstractButton* m_next = nullptr;
     QLabel* m_place = nullptr; ///< "2 of 3"
     SliderRow* m_input;
     SliderRow* m_output;

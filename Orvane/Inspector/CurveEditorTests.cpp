@@ -7,7 +7,6 @@
 
 #include <QApplication>
 #include <QPushButton>
-#include <QToolButton>
 #include <QtTest/QTest>
 
 #include <gtest/gtest.h>
@@ -166,7 +165,7 @@ TEST_F(CurveEditorTest, ThePointRowTypesWithinTheSameLimits)
 {
     show({{0, 0}, {100, 128}, {255, 255}});
     EXPECT_FALSE(editor.input().isEnabled());
-    for (auto* button : editor.findChildren<QToolButton*>()) {
+    for (auto* button : editor.findChildren<QAbstractButton*>()) {
         if (button->toolTip() == "Next point")
             QTest::mouseClick(button, Qt::LeftButton);
     }

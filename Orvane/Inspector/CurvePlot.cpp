@@ -30,7 +30,7 @@ CurvePlot::CurvePlot(QWidget* parent)
 QRectF CurvePlot::plot() const
 {
     const int side = std::min(width(), height()) - 2 * room;
-    return {room, room, double(side), double(side)};
+    return {(width() - side) / 2.0, room, double(side), double(side)};
 }
 
 void CurvePlot::setPoints(CurveEditing::Points points)

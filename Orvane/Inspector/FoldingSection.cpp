@@ -1,5 +1,6 @@
 #include "FoldingSection.h"
 
+#include "Chevron.h"
 #include "Theme.h"
 
 #include <QAbstractButton>
@@ -40,14 +41,8 @@ protected:
             painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 4.5, -0.5, -4.5), Theme::radius,
                                     Theme::radius);
         }
-        const QColor color = underMouse() ? QColor(0xff, 0xff, 0xff) : Theme::text;
-        painter.save();
-        painter.translate(4 + chevron / 2, height() / 2.0);
-        painter.rotate(isChecked() ? 90 : 0);
-        painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        const QPointF wings[] = {{-2, -4}, {2, 0}, {-2, 4}};
-        painter.drawPolyline(wings, 3);
-        painter.restore();
+        const QColor color = underMouse() ? Theme::text.lighter(115) : Theme::text;
+        drawChevron(painter, {4 + chevron / 2, height() / 2.0}, isChecked() ? 90 : 0, color);
 
         QFont heading = font();
         heading.setWeight(QFont::Medium);

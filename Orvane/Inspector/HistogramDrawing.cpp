@@ -4,6 +4,7 @@
 #include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
 
 namespace orvane {
 
@@ -11,11 +12,12 @@ namespace {
 
 constexpr int bins = 256;
 
+/// By the root of the count: one spike, say of a clipped sky, must not flatten all the rest.
 QPainterPath area(const std::vector<double>& channel, const QRectF& frame)
 {
     QPainterPath path(frame.bottomLeft());
     for (int i = 0; i < bins; ++i) {
-        const double height = std::clamp(channel[size_t(i)], 0.0, 1.0);
+        const double height = std::sqrt(std::clamp(channel[size_t(i)], 0.0, 1.0));
         path.lineTo(frame.left() + frame.width() * i / (bins - 1),
                     frame.bottom() - frame.height() * height);
     }

@@ -185,7 +185,7 @@ void LevelsPlot::paintEvent(QPaintEvent*)
     QPainter painter(this);
     const QRectF frame = DevicePixels::aligned(painter, plot());
     painter.fillRect(frame, Theme::field);
-    drawHistogram(painter, frame, m_histogram, 0.55);
+    drawHistogram(painter, frame, m_histogram, 0.42);
     for (const Stop stop : LevelsStops::all)
         DevicePixels::verticalLine(painter, stopCentre(stop).x(), frame.top(), frame.bottom(),
                                    QColor(0xd4, 0xd4, 0xd4, m_dragging == stop ? 160 : 70));

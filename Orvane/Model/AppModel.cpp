@@ -294,7 +294,7 @@ void AppModel::showInTitleBar(const std::filesystem::path& file)
 
 void AppModel::report(const std::string& title, const Error& error)
 {
-    m_desktop.ask({.message = title, .informative = error.message});
+    m_desktop.ask({.message = title, .informative = error.message, .style = Alert::Style::Warning});
 }
 
 } // namespace orvane

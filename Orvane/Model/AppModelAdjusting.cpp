@@ -98,6 +98,7 @@ void AppModel::clearCurves()
 
 void AppModel::applyGrade(const AdjustMap& values, const CurveMap& curves)
 {
+    // A grade replaces, it does not add: sliders that it does not name go to rest.
     AdjustMap graded = Schema::file().defaults;
     for (const auto& [key, value] : values)
         graded[key] = value;

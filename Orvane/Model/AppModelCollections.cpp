@@ -79,7 +79,8 @@ Collection AppModel::collectionOfSession(const std::string& name) const
     return collection;
 }
 
-/// Stores the list, or tells why not, and reads it back.
+/// Stores the list, or tells why not, and reads it back: in its order, and with what the store has
+/// kept beside it.
 bool AppModel::storeCollections(const std::vector<Collection>& changed,
                                 const std::string& complaint)
 {
@@ -99,12 +100,15 @@ bool AppModel::saveCollection(const std::string& name)
     const std::string wanted = trimmed(name);
     if (wanted.empty() || session.value().empty())
         return false;
+    // A picture that only memory holds cannot be found again when the collection is opened.
     const auto& open = session.value();
     const auto lost = size_t(
         std::count_if(open.begin(), open.end(), [](const EditImage& i) { return !i.source; }));
     if (lost > 0 && (m_desktop.ask(lostQuestion(lost)) != 0 || lost == open.size()))
         return false;
+    // What goes into the file is the parked edits.
     parkActiveState();
+    // A namesake is replaced, and takes the case of the new name.
     std::vector<Collection> changed = collections;
     std::erase_if(changed, [&](const Collection& c) { return isSameName(c.name, wanted); });
     changed.push_back(collectionOfSession(wanted));

@@ -1,5 +1,7 @@
 #include "ModelTesting.h"
 
+#include <new>
+
 namespace orvane {
 namespace {
 
@@ -148,6 +150,17 @@ TEST_F(CollectionsTest, ReadsAPhotoOfSeveralVersionsOnce)
     desktop.answers = {0};
     model->deleteCollection(named("Untitled"));
     EXPECT_EQ(model->soleDirtyName(), "a.jpg");
+}
+
+TEST_F(CollectionsTest, ReadsStoredEditsAgainAfterAnOpeningThatFailed)
+{
+    open({"a.jpg"});
+    EXPECT_TRUE(model->saveCollection("Trip"));
+    {
+        const auto failing = model->sourceImage.onValueChanged([] { throw std::bad_alloc(); });
+        EXPECT_THROW(model->loadSources(named("Trip")), std::bad_alloc);
+    }
+    EXPECT_FALSE(model->suppressSavedRestore);
 }
 
 // Whoever calls holds a copy of the list's entry, which may be stored anew meanwhile.

@@ -95,7 +95,7 @@ AppModel::SessionView AppModel::sessionView(const EditState& active) const
 bool AppModel::hasEdits() const
 {
     const auto& curves = curve.value();
-    // The levels are no sliders of the catalogue.
+    // The levels are no sliders of the catalogue, but an edit like any other.
     return !isAtRest(schema, adjust.value()) || levels() != Levels()
         || !(crop.value() == CGRect(0, 0, 1, 1)) || std::abs(rotation) > smallestMove || flipH
         || flipV

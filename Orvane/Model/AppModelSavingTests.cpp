@@ -185,6 +185,8 @@ TEST_F(SavingTest, OneMessageForEachEditThatCannotBeStored)
     put("support/Orvane", "a file where the folder should be");
     desktop.answers = {0};
     EXPECT_FALSE(model->confirmDiscardingWork());
+    EXPECT_EQ(desktop.alerts.front().style, Alert::Style::Plain);
+    EXPECT_EQ(desktop.alerts.back().style, Alert::Style::Warning);
     EXPECT_THAT(alertMessages(),
                 ElementsAre("Save your edits to 2 images?", "Couldn't save your edits to “a.jpg”",
                             "Couldn't save your edits to “b.jpg”"));

@@ -11,13 +11,22 @@ namespace orvane {
 
 /// A modal question or message. Texts are UTF-8 and shown as they stand.
 struct Alert {
+    /// Warning: something has failed.
+    enum class Style { Plain, Warning };
+
     std::string message;
     std::string informative = {};
     /// In the order of reading, the default first; empty for a message that is only dismissed.
     std::vector<std::string> buttons = {};
     bool isFirstDestructive = false;
+    Style style = Style::Plain;
 
-    bool operator==(const Alert&) const = default;
+    /// Whether they say and offer the same, however they look.
+    bool operator==(const Alert& other) const
+    {
+        return message == other.message && informative == other.informative
+            && buttons == other.buttons && isFirstDestructive == other.isFirstDestructive;
+    }
 };
 
 /// A panel that chooses what is there already. Starts where the last one ended.

@@ -15,7 +15,8 @@ namespace orvane {
 /// stay when their file has gone.
 ///
 /// A large store takes half a second to read; that begins in the background at once, so that it is
-/// over before the first image is opened. All calls come from one thread.
+/// over before the first image is opened. Where it cannot, or fails for want of memory, the first
+/// call reads. All calls come from one thread.
 class StateStore {
 public:
     explicit StateStore(std::filesystem::path url);
@@ -32,6 +33,7 @@ private:
     /// The store, when it has been read.
     Store& store();
 
+    std::filesystem::path m_url;
     std::future<Store> m_reading; ///< valid until the first call
     std::optional<Store> m_store;
 };

@@ -32,6 +32,7 @@ std::vector<IncomingImage> listedPhotos(const Collection& collection,
                                         std::vector<PhotoSource::Photo> photos)
 {
     std::vector<IncomingImage> loaded;
+    loaded.reserve(photos.size());
     for (PhotoSource::Photo& photo : photos)
         loaded.push_back({.data = std::move(photo.data),
                           .name = std::move(photo.name),

@@ -6,27 +6,33 @@ namespace orvane {
 
 StateStore::StateStore(std::filesystem::path url)
     : m_url(std::move(url))
-    // Deferred only where no thread can be had: then the first call reads.
-    , m_reading(std::async(std::launch::async | std::launch::deferred, [url = m_url] {
-        Store store(url);
-        // Any question makes it read.
-        (void)store.find({});
-        return store;
-    }))
 {
+    // Where no thread can be had, the first call reads. Not std::launch::deferred for that: the
+    // attempt to make the thread has used up what the work captured.
+    try {
+        m_reading = std::async(std::launch::async, [url = m_url] {
+            Store store(url);
+            // Any question makes it read.
+            (void)store.find({});
+            return store;
+        });
+    } catch (const std::exception&) {
+        m_reading = {};
+    }
 }
 
 StateStore::Store& StateStore::store()
 {
     if (m_store)
         return *m_store;
-    // The background hands its exceptions over, and only once.
     try {
-        m_store.emplace(m_reading.get());
+        if (m_reading.valid())
+            m_store.emplace(m_reading.get());
     } catch (const std::exception&) {
-        m_store.emplace(m_url);
+        // The background hands its exceptions over, and only once; this store reads by itself.
+        m_store.reset();
     }
-    return *m_store;
+    return m_store ? *m_store : m_store.emplace(m_url);
 }
 
 std::optional<EditState> StateStore::state(const std::string& source)

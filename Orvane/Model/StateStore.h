@@ -34,7 +34,7 @@ private:
     Store& store();
 
     std::filesystem::path m_url;
-    std::future<Store> m_reading; ///< valid until the first call
+    std::future<Store> m_reading; ///< valid until the first call, if there is a thread
     std::optional<Store> m_store;
 };
 

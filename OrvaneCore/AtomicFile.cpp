@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <exception>
 #include <iterator>
 #include <random>
@@ -35,6 +36,39 @@ bool isClaimed(int descriptor, const fs::path& temporary)
         return false;
     struct stat status;
     return ::lstat(temporary.c_str(), &status) == 0 || errno != ENOENT;
+}
+
+/// Gives a file its place; false with errno.
+bool exchange(const fs::path& temporary, const fs::path& target, AtomicFile::Existing existing)
+{
+    if (existing == AtomicFile::Existing::Respected) {
+        if (::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE)
+            == 0)
+            return true;
+        // Some file systems cannot; there a look beforehand must do.
+        if (errno != EINVAL && errno != ENOSYS)
+            return false;
+        struct stat status;
+        if (::lstat(target.c_str(), &status) == 0) {
+            errno = EEXIST;
+            return false;
+        }
+    }
+    return ::rename(temporary.c_str(), target.c_str()) == 0;
+}
+
+/// Whether a file has a name as temporary files are given: the prefix, two numbers, a dash between.
+bool isTemporaryName(std::string_view name)
+{
+    if (!name.starts_with(temporaryPrefix))
+        return false;
+    name.remove_prefix(temporaryPrefix.size());
+    const size_t dash = name.find('-');
+    const auto isNumber = [](std::string_view text) {
+        return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    return dash != std::string_view::npos && isNumber(name.substr(0, dash))
+        && isNumber(name.substr(dash + 1));
 }
 
 /// Creates a file of a fresh name beside the target and answers its descriptor, or -1 with errno.
@@ -133,14 +167,22 @@ Result<void> AtomicFile::write(const void* data, size_t size)
     return {};
 }
 
-Result<void> AtomicFile::commit()
+Result<void> AtomicFile::sync()
 {
-    // Without the first sync the rename could reach the disk before the bytes do.
-    if (::fsync(m_descriptor) != 0) {
-        const Error error = failure(errno);
-        cancel();
-        return error;
-    }
+    // A file system tells a descriptor of a failed write once. Were this one forgotten, a later
+    // sync would say that all is well.
+    if (::fsync(m_descriptor) == 0)
+        return {};
+    const Error error = failure(errno);
+    cancel();
+    return error;
+}
+
+Result<void> AtomicFile::commit(Existing existing)
+{
+    // Without it the rename could reach the disk before the bytes do.
+    if (const Result<void> synced = sync(); !synced)
+        return synced;
     fileStep("bytes on disk");
     // Some file systems over a network report a failed write only to a close. It is a copy that is
     // closed: the lock has to last until the temporary name is gone.
@@ -151,7 +193,7 @@ Result<void> AtomicFile::commit()
         return error;
     }
     fileStep("bytes accepted");
-    if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
+    if (!exchange(m_temporary, m_target, existing)) {
         const Error error = failure(errno);
         cancel();
         return error;
@@ -301,12 +343,15 @@ void removeAbandonedTemporaries(const fs::path& folder)
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
         const fs::path& path = entry->path();
-        if (!path.filename().native().starts_with(temporaryPrefix))
+        if (!isTemporaryName(path.filename().native()))
             continue;
         const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
         if (descriptor < 0)
             continue;
-        if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+        struct stat status;
+        const bool ours = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)
+            && status.st_uid == ::geteuid();
+        if (ours && ::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
             ::unlink(path.c_str());
         ::close(descriptor);
     }

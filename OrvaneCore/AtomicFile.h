@@ -33,10 +33,16 @@ public:
     /// Appends the bytes at the descriptor's position.
     Result<void> write(const void* data, size_t size);
 
+    /// Brings the bytes to the disk: what takes long in commit(). On failure the temporary file is
+    /// gone.
+    Result<void> sync();
+
+    /// What becomes of a file that is in the target's place.
+    enum class Existing { Replaced, Respected };
     /// Brings the bytes to the disk and puts them in the target's place. On failure the temporary
     /// file is gone and the old one untouched, unless it was only the folder that could not be
     /// brought to the disk after the exchange. Only once, and not after cancel().
-    Result<void> commit();
+    Result<void> commit(Existing existing = Existing::Replaced);
 
     /// Removes the temporary file; the target stays as it was. Harmless when done twice.
     void cancel();

@@ -153,6 +153,25 @@ TEST_F(AtomicFileTest, AnotherProcessThatCleansUpTakesNothing)
     std::ofstream(folder / ".orvane-1-1") << "half";
     removeAbandonedTemporaries(folder);
     EXPECT_EQ(entries(), 1u);
+
+    // A name that only begins like one is somebody else's.
+    for (const char* name : {".orvane-presets", ".orvane-1-1.bak", ".orvane--1", ".orvane-1"})
+        std::ofstream(folder / name) << "theirs";
+    removeAbandonedTemporaries(folder);
+    EXPECT_EQ(entries(), 5u);
+}
+
+TEST_F(AtomicFileTest, LeavesAFileThatItMustNotReplace)
+{
+    const fs::path target = folder / "new.jpg";
+    for (const char* bytes : {"first", "second"}) {
+        Result<AtomicFile> file = AtomicFile::create(target);
+        ASSERT_TRUE(file);
+        ASSERT_TRUE(file->write(bytes, 5));
+        EXPECT_EQ(bool(file->commit(AtomicFile::Existing::Respected)), bytes[0] == 'f');
+    }
+    EXPECT_EQ(*readTextFile(target, 100), "first");
+    EXPECT_EQ(entries(), 2u); // the other is the fixture's
 }
 
 TEST_F(AtomicFileTest, SaysWhyItCannotWrite)

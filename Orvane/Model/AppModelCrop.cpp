@@ -4,6 +4,7 @@
 
 #include "CropRatio.h"
 #include "EditRendering.h"
+#include "Finite.h"
 
 #include <algorithm>
 
@@ -60,6 +61,8 @@ void AppModel::setAspect(const std::string& id)
 
 void AppModel::setCropNative(const CGRect& rect)
 {
+    if (!areFinite(rect))
+        return;
     crop = rect;
     if (!cropMode)
         commitHistory();

@@ -72,8 +72,10 @@ void AppModel::exportAll(std::optional<Baker::Metadata> metadata)
     if (chosen.empty() || isExportingAll())
         return;
     const fs::path& folder = chosen.front();
-    exportFolder = folder;
+    // Who sees the export begin must not see figures of the last one.
     exportedCount = 0;
+    batchProgress = BatchProgress{0, int(session.value().size()), {}, 0};
+    exportFolder = folder;
     parkActiveState();
     // Beside those that are being exported, only the picture on screen stays decoded.
     if (m_recentSources.size() > 1)
@@ -135,7 +137,8 @@ void AppModel::takeBatchEnd(const std::string& name, const ExportEnd& end)
     else
         batch.failed.push_back(name + ": " + end.reason);
     ++batch.current;
-    if (batch.isCancelled)
+    // A cancel that came while the last one was put in place has cut nothing off.
+    if (batch.isCancelled && batch.current < batch.images.size())
         finishCancelledBatch(false);
     else
         exportNext();
@@ -169,6 +172,7 @@ void AppModel::cancelExportAll()
 void AppModel::finishCancelledBatch(bool wasUnfinished)
 {
     const auto batch = std::exchange(m_batch, nullptr);
+    m_exports.forgetNext();
     exportFolder = std::nullopt;
     std::string text = "Nothing was exported.";
     if (batch->exported >= 1)

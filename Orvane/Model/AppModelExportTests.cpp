@@ -267,6 +267,27 @@ TEST_F(AppModelExport, AsksForAFolderInWordsThatFit)
     EXPECT_EQ(model->exportMetadata, Baker::Metadata::keep);
 }
 
+TEST_F(AppModelExport, RemovesTheLocationFromAllWhenAskedTo)
+{
+    ImageProperties located;
+    located.xmp = "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
+                  "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
+                  "rdf:about=\"\" xmlns:exif=\"http://ns.adobe.com/exif/1.0/\" "
+                  "exif:GPSLatitude=\"48,51.5N\"/></rdf:RDF></x:xmpmeta>";
+    const CIImage plain = CIImage::withColor({0.4, 0.5, 0.6, 1}).cropped({0, 0, 64, 48});
+    ASSERT_TRUE(exportFile(plain.settingProperties(located), {.metadata = Baker::Metadata::keep},
+                           folder / "a.jpg"));
+    open({"a.jpg"});
+    const auto tellsWhere = [&](const char* name) {
+        return decodePictureFile(out / name)->properties.xmp.find("48,51.5N") != std::string::npos;
+    };
+    model->exportMetadata = Baker::Metadata::keep;
+    exportAllTo(out);
+    EXPECT_TRUE(tellsWhere("a-edit.jpg"));
+    exportAllTo(out, Baker::Metadata::stripLocation);
+    EXPECT_FALSE(tellsWhere("a-edit-2.jpg"));
+}
+
 TEST_F(AppModelExport, ListsSixFailuresAndCountsTheRest)
 {
     std::string lines;

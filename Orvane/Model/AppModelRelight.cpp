@@ -2,6 +2,7 @@
 
 #include "AppModel.h"
 
+#include "Finite.h"
 #include "LayerList.h"
 #include "LightFields.h"
 
@@ -41,6 +42,8 @@ void AppModel::cancelRelight()
 
 void AppModel::addLightAt(const std::string& kind, double x, double y)
 {
+    if (!areFinite(x, y))
+        return;
     Light light = newLight(kind, x, y);
     const std::string id = light.id;
     std::vector<Light> changed = lights.value();
@@ -58,6 +61,8 @@ void AppModel::selectLight(const std::string& id)
 
 void AppModel::updateLight(const std::string& id, const std::string& field, double value)
 {
+    if (!areFinite(value))
+        return;
     const auto write = [number = lightField(field), value](Light& light) {
         if (number)
             light.*number = value;
@@ -89,7 +94,7 @@ void AppModel::clearLights()
 
 void AppModel::appendStroke(const std::string& id, const std::vector<CGPoint>& points)
 {
-    if (points.empty())
+    if (points.empty() || !areFinite(points))
         return;
     if (LayerList::changeFirst(lights, id, [&](Light& light) { light.strokes.push_back(points); }))
         commitHistory();

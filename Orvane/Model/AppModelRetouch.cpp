@@ -3,6 +3,7 @@
 #include "AppModel.h"
 
 #include "Baker.h"
+#include "Finite.h"
 #include "WhiteBalance.h"
 
 #include <algorithm>
@@ -46,7 +47,7 @@ void AppModel::toggleHeal()
 
 void AppModel::healStrokeNative(const std::vector<CGPoint>& points)
 {
-    if (points.empty())
+    if (points.empty() || !areFinite(points))
         return;
     std::vector<HealSpot> spots = ciHealSpots.value();
     for (const CGPoint& point : points)

@@ -2,6 +2,7 @@
 
 #include "AppModel.h"
 
+#include "Finite.h"
 #include "FontFamilies.h"
 #include "LayerList.h"
 #include "Wording.h"
@@ -67,6 +68,8 @@ void AppModel::setText(const std::string& id, const std::string& text)
 
 void AppModel::setTextSize(const std::string& id, double size)
 {
+    if (!areFinite(size))
+        return;
     if (LayerList::changeFirst(texts, id, [&](TextLayer& layer) { layer.size = size; }))
         pushHistory();
 }
@@ -91,6 +94,8 @@ void AppModel::setTextShadow(const std::string& id, bool shadow)
 
 void AppModel::setTextPosition(const std::string& id, double x, double y)
 {
+    if (!areFinite(x, y))
+        return;
     const auto move = [&](TextLayer& layer) {
         layer.x = x;
         layer.y = y;

@@ -134,6 +134,26 @@ TEST_F(ToolsTest, ACropKeepsItsRatioWhateverTheFrame)
     EXPECT_EQ(model->crop, CGRect(0, 0, 1, 1));
 }
 
+TEST_F(ToolsTest, TakesNoNumberThatNoStoreCanHold)
+{
+    AppModel& m = *model;
+    m.addLightAt("radial", 0.5, 0.5);
+    m.addText();
+    const std::string light = m.lights.value()[0].id;
+    const std::string text = m.texts.value()[0].id;
+    const EditState before = m.editState();
+    for (const double wrong : {std::nan(""), std::numeric_limits<double>::infinity()}) {
+        m.addLightAt("radial", wrong, 0.5);
+        m.updateLight(light, "radius", wrong);
+        m.appendStroke(light, {{0.5, 0.5}, {0.5, wrong}});
+        m.healStrokeNative({{wrong, 0.5}});
+        m.setCropNative({0, 0, wrong, 1});
+        m.setTextSize(text, wrong);
+        m.setTextPosition(text, 0.5, wrong);
+        EXPECT_EQ(m.editState(), before);
+    }
+}
+
 TEST_F(ToolsTest, CancellingPutsBackWhatWas)
 {
     open({"a.jpg"});

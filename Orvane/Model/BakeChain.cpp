@@ -71,15 +71,17 @@ ExportEnd bakeFile(const CIImage& finished, const ExportOptions& options,
         return {NotWritten, bytes.failure()};
     if (!encoded)
         return {NotEncoded, encoded.error().message};
-    // What takes long comes before the last question, what comes after it is a rename. The file
-    // says itself what it has to say of a failure, when it commits.
-    ::fsync(file->descriptor());
+    // What takes long comes before the last question, what comes after it is a rename.
+    if (const Result<void> synced = file->sync(); !synced)
+        return {NotWritten, synced.error().message};
     std::error_code none;
     if (!watch.replaces && std::filesystem::exists(target, none))
         return {NotWritten, "A file of that name has come into the folder meanwhile."};
+    const auto existing =
+        watch.replaces ? AtomicFile::Existing::Replaced : AtomicFile::Existing::Respected;
     if (watch.mayFinish && !watch.mayFinish())
         return {Cancelled, "Cancelled."};
-    if (const Result<void> committed = file->commit(); !committed)
+    if (const Result<void> committed = file->commit(existing); !committed)
         return {NotWritten, committed.error().message};
     return {};
 }

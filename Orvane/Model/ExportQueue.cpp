@@ -84,6 +84,8 @@ std::shared_ptr<ExportQueue::Ticket> ExportQueue::start(Job job, Observer observ
         } catch (const std::exception&) {
             end = {ExportEnd::Kind::NotEncoded, "There is not enough memory."};
         }
+        // From here on its end is known, whatever it is, and will be told.
+        ticket->finish();
         const auto deliver = [ticket, end = std::move(end)] {
             if (!ticket->isCancelled())
                 ticket->observer.done(end);
@@ -95,7 +97,7 @@ std::shared_ptr<ExportQueue::Ticket> ExportQueue::start(Job job, Observer observ
 
 bool ExportQueue::cancel(const std::shared_ptr<Ticket>& ticket)
 {
-    return ticket->cancel();
+    return ticket && ticket->cancel();
 }
 
 ExportEnd ExportQueue::bake(const Job& job, const std::shared_ptr<Ticket>& ticket)

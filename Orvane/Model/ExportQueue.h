@@ -48,6 +48,8 @@ public:
     /// hears no more; its memory goes when the engine lets go. False: it has just been finished,
     /// and done() will come.
     bool cancel(const std::shared_ptr<Ticket>& ticket);
+    /// Lets go of what has been decoded ahead: no job will come for it.
+    void forgetNext() { m_ahead.prepare(nullptr); }
 
 private:
     ExportEnd bake(const Job& job, const std::shared_ptr<Ticket>& ticket);

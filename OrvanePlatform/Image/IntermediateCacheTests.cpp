@@ -1,0 +1,69 @@
+// What previews keep, and the memory that goes from one to the next.
+
+#include "IntermediateCache.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane {
+namespace {
+
+constexpr size_t megabyte = size_t(1) << 20;
+
+TEST(SpareMemory, HandsOutWhatFitsAndForgetsNobody)
+{
+    auto spares = std::make_shared<SpareMemory>(10 * megabyte);
+    const auto addressOf = [&](size_t bytes) { return PixelMemory(bytes, spares).data(); };
+    const uint8_t* const first = addressOf(4 * megabyte);
+    EXPECT_EQ(addressOf(4 * megabyte - 5000), first);
+    {
+        const PixelMemory held(4 * megabyte, spares);
+        EXPECT_EQ(held.data(), first);
+        const PixelMemory other(4 * megabyte, spares);
+        EXPECT_NE(other.data(), first);
+        // Written to its end while another of the same size is: nothing overlaps.
+        std::fill_n(held.data(), 4 * megabyte, uint8_t(1));
+        std::fill_n(other.data(), 4 * megabyte, uint8_t(2));
+        EXPECT_EQ(held.data()[4 * megabyte - 1], 1);
+        // Far larger than what is wanted: memory that nobody could use meanwhile.
+        const PixelMemory small(2 * megabyte, spares);
+        EXPECT_NE(small.data(), first);
+    }
+    // What outlives the spares goes to the system.
+    PixelMemory last(4 * megabyte, spares);
+    spares.reset();
+    last = PixelMemory();
+    EXPECT_EQ(last.data(), nullptr);
+}
+
+TEST(IntermediateCache, KeepsTheLastTwoOfARoleAndStaysWithinItsBudget)
+{
+    const auto digest = [](uint64_t n) { return DigestBuilder().add(n).digest(); };
+    const PixelRect rect{0, 0, 64, 64};
+    const auto image = [&] {
+        return std::make_shared<StoredImage>(rect, true, StoredFormat::Half);
+    };
+    const size_t each = image()->byteSize();
+    IntermediateCache cache(4 * each);
+    cache.keep(digest(100), digest(2), image());
+    for (uint64_t n = 1; n <= 3; ++n)
+        cache.keep(digest(n), digest(1), image());
+    EXPECT_FALSE(cache.find(digest(1), rect));
+    EXPECT_TRUE(cache.find(digest(2), rect));
+    EXPECT_TRUE(cache.find(digest(3), rect));
+    EXPECT_TRUE(cache.find(digest(100), rect));
+    EXPECT_FALSE(cache.find(digest(100), rect.grown(1)));
+    // The same again takes the other's place. Then the one longest unused goes.
+    cache.keep(digest(3), digest(1), image());
+    for (uint64_t n = 200; n < 202; ++n)
+        cache.keep(digest(n), digest(n), image());
+    EXPECT_FALSE(cache.find(digest(2), rect));
+    for (const uint64_t n : {3, 100, 200, 201})
+        EXPECT_TRUE(cache.find(digest(n), rect)) << n;
+    auto huge = std::make_shared<StoredImage>(PixelRect{0, 0, 64, 1000}, true, StoredFormat::Half);
+    cache.keep(digest(9), digest(9), huge);
+    EXPECT_FALSE(cache.find(digest(9), rect));
+    EXPECT_TRUE(cache.find(digest(201), rect));
+}
+
+} // namespace
+} // namespace orvane

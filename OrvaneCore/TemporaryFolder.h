@@ -32,11 +32,11 @@ protected:
         const auto bytes = readTextFile(folder / name, 100'000'000);
         return bytes ? *bytes : bytes.error().message;
     }
-    /// The names in the folder, sorted and joined with spaces.
-    std::string names() const
+    /// The names in the folder, or in one within it, sorted and joined with spaces.
+    std::string names(const std::filesystem::path& within = {}) const
     {
         std::vector<std::string> all;
-        for (const auto& entry : std::filesystem::directory_iterator(folder))
+        for (const auto& entry : std::filesystem::directory_iterator(folder / within))
             all.push_back(entry.path().filename().string());
         std::sort(all.begin(), all.end());
         std::string text;

@@ -113,17 +113,7 @@ protected:
         model->exportAll(metadata);
         waitForExports();
     }
-    std::string exported() const
-    {
-        std::vector<std::string> all;
-        for (const auto& entry : std::filesystem::directory_iterator(out))
-            all.push_back(entry.path().filename().string());
-        std::sort(all.begin(), all.end());
-        std::string text;
-        for (const std::string& name : all)
-            text += (text.empty() ? "" : " ") + name;
-        return text;
-    }
+    std::string exported() const { return names("out"); }
 
     const std::filesystem::path out = folder / "out";
 };

@@ -8,7 +8,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QScopedValueRollback>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -77,7 +76,8 @@ CurveEditor::CurveEditor(QWidget* parent)
 
 SliderRow* CurveEditor::makeAxisRow(const QString& axis)
 {
-    return new SliderRow(axis, {.minimum = 0, .maximum = 255, .rest = 0, .resets = false});
+    return new SliderRow(axis,
+                         {.minimum = 0, .maximum = 255, .rest = 0, .resets = false, .step = 1});
 }
 
 QWidget* CurveEditor::makePointRow()
@@ -139,7 +139,6 @@ void CurveEditor::showChannel()
 
 void CurveEditor::showPoint()
 {
-    const QScopedValueRollback showing(m_isShowing, true);
     const CurveEditing::Points& points = m_plot->points();
     const size_t index = m_plot->selected();
     m_place->setText(tr("%1 of %2").arg(index + 1).arg(points.size()));
@@ -148,17 +147,12 @@ void CurveEditor::showPoint()
     m_input->setValue(points[index].x);
     m_output->setValue(points[index].y);
     m_input->setEnabled(CurveEditing::isInterior(points, index));
-    for (auto [row, axis] : {std::pair{m_input, tr("Input")}, {m_output, tr("Output")}}) {
-        const QString name = tr("%1 for point %2").arg(axis).arg(index + 1);
-        row->slider().setAccessibleName(name);
-        row->field().setAccessibleName(name);
-    }
+    for (auto [row, axis] : {std::pair{m_input, tr("Input")}, {m_output, tr("Output")}})
+        row->setSpokenName(tr("%1 for point %2").arg(axis).arg(index + 1));
 }
 
 void CurveEditor::movePointTo(double x, double y)
 {
-    if (m_isShowing)
-        return;
     m_plot->movePoint(m_plot->selected(), {x, y});
     showPoint(); // where it was held, if it could not go so far
 }

@@ -61,7 +61,6 @@ private:
     QLabel* m_place = nullptr; ///< "2 of 3"
     SliderRow* m_input;
     SliderRow* m_output;
-    bool m_isShowing = false; ///< the rows are being set, not moved by the user
 };
 
 } // namespace orvane

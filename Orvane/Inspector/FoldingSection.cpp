@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace orvane {
 
 namespace {
@@ -25,7 +27,6 @@ public:
         setText(title);
         setAccessibleName(title);
         setCheckable(true);
-        setChecked(true);
         setFocusPolicy(Qt::StrongFocus);
         setFixedHeight(headerHeight);
         setAttribute(Qt::WA_Hover);
@@ -55,25 +56,47 @@ protected:
 
 } // namespace
 
-FoldingSection::FoldingSection(const QString& title, QWidget* content, QWidget* parent)
+FoldingSection::FoldingSection(const QString& title, Maker make, bool isExpanded, QWidget* parent)
     : QWidget(parent)
     , m_header(new HeaderButton(title))
     , m_mark(new QLabel(tr("Edited")))
     , m_reset(new QPushButton(tr("Reset")))
-    , m_content(content)
+    , m_column(new QVBoxLayout(this))
+    , m_make(std::move(make))
 {
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(makeHeader(title));
-    column->addWidget(m_content);
+    m_column->setContentsMargins(0, 0, 0, 0);
+    m_column->setSpacing(0);
+    m_column->addWidget(makeHeader(title));
     setEdited(false);
+    setExpanded(isExpanded);
 
-    connect(m_header, &QAbstractButton::toggled, this, [this](bool isOpen) {
-        m_content->setVisible(isOpen);
-        Q_EMIT expandedChanged(isOpen);
-    });
+    connect(m_header, &QAbstractButton::toggled, this, &FoldingSection::expandedChanged);
     connect(m_reset, &QPushButton::clicked, this, &FoldingSection::resetAsked);
+    fold(isExpanded);
+    connect(m_header, &QAbstractButton::toggled, this, &FoldingSection::fold);
+}
+
+void FoldingSection::fold(bool isOpen)
+{
+    if (isOpen && !m_content)
+        makeContent();
+    if (m_content)
+        m_content->setVisible(isOpen);
+}
+
+void FoldingSection::makeContent()
+{
+    m_content = m_make(this);
+    m_column->addWidget(m_content);
+    // Tab goes from the header into what came after the rest of the window was there.
+    QWidget* before = m_reset;
+    for (QWidget* child : m_content->findChildren<QWidget*>()) {
+        if (child->focusPolicy() & Qt::TabFocus) {
+            setTabOrder(before, child);
+            before = child;
+        }
+    }
+    Q_EMIT contentMade(m_content);
 }
 
 QWidget* FoldingSection::makeHeader(const QString& title)

@@ -2,14 +2,18 @@
 
 #include <QWidget>
 
+#include <functional>
+
 class QAbstractButton;
 class QLabel;
 class QPushButton;
+class QVBoxLayout;
 
 namespace orvane {
 
 /// A part of the panel under a header that folds it away: title, and when something in it was
-/// changed the mark "Edited" and a button that asks to undo it.
+/// changed the mark "Edited" and a button that asks to undo it. What is in it is made when it is
+/// first opened.
 ///
 ///   v Title                 Edited  Reset
 ///   content
@@ -17,24 +21,32 @@ class FoldingSection final : public QWidget {
     Q_OBJECT
 
 public:
-    /// Open, and takes the content over.
-    FoldingSection(const QString& title, QWidget* content, QWidget* parent = nullptr);
+    using Maker = std::function<QWidget*(QWidget* parent)>;
+    FoldingSection(const QString& title, Maker make, bool isExpanded, QWidget* parent = nullptr);
 
     bool isExpanded() const;
     void setExpanded(bool expanded);
     void setEdited(bool edited);
+    /// Null until it has been open.
+    QWidget* content() const { return m_content; }
 
 Q_SIGNALS:
     void expandedChanged(bool expanded);
     void resetAsked();
+    /// Just made, not yet shown.
+    void contentMade(QWidget* content);
 
 private:
     QWidget* makeHeader(const QString& title);
+    void fold(bool isOpen);
+    void makeContent();
 
     QAbstractButton* m_header;
     QLabel* m_mark;
     QPushButton* m_reset;
-    QWidget* m_content;
+    QVBoxLayout* m_column;
+    Maker m_make;
+    QWidget* m_content = nullptr;
 };
 
 } // namespace orvane

@@ -14,11 +14,16 @@
 namespace orvane {
 namespace {
 
+template <class Content> QWidget* made(QWidget*)
+{
+    return new Content;
+}
+
 TEST(FoldingSection, FoldsByKeyAndAsksForAResetOnlyWhenEdited)
 {
-    auto* content = new LevelsView;
-    FoldingSection section("Levels", content);
+    FoldingSection section("Levels", made<LevelsView>, true);
     section.show();
+    QWidget* content = section.content();
     int resets = 0;
     std::vector<bool> told;
     QObject::connect(&section, &FoldingSection::resetAsked, [&] { ++resets; });
@@ -45,20 +50,23 @@ TEST(Panel, TabComesToEveryNamedControlAndRoundAgain)
 {
     QWidget panel;
     auto* column = new QVBoxLayout(&panel);
-    auto* curves = new CurveEditor;
-    curves->setCurve({{"master", {{0, 0}, {90, 60}, {255, 255}}}});
-    column->addWidget(new FoldingSection("Curves", curves));
-    column->addWidget(new FoldingSection("Levels", new LevelsView));
+    auto* first = new FoldingSection("Curves", made<CurveEditor>, false);
+    column->addWidget(first);
+    column->addWidget(new FoldingSection("Levels", made<LevelsView>, true));
     panel.show();
     waitFor([&] { return panel.isActiveWindow(); });
+    // What is made late takes its place in the order.
+    EXPECT_EQ(first->content(), nullptr);
+    first->setExpanded(true);
+    panel.findChild<CurveEditor*>()->setCurve({{"master", {{0, 0}, {90, 60}, {255, 255}}}});
 
     QStringList names;
     panel.findChild<QAbstractButton*>()->setFocus();
-    QWidget* first = QApplication::focusWidget();
+    QWidget* start = QApplication::focusWidget();
     do {
         names << QApplication::focusWidget()->accessibleName();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    } while (QApplication::focusWidget() != first && names.size() < 50);
+    } while (QApplication::focusWidget() != start && names.size() < 50);
     const QStringList expected = {"Curves",
                                   "Channel: RGB",
                                   "Point 1 of 3",

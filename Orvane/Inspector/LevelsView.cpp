@@ -6,7 +6,6 @@
 
 #include <QGridLayout>
 #include <QLabel>
-#include <QScopedValueRollback>
 
 #include <cmath>
 
@@ -45,11 +44,10 @@ LevelsView::LevelsView(QWidget* parent)
 
 SliderRow* LevelsView::makeOutputRow(const QString& name, const char* key, double Levels::*field)
 {
-    auto* row = new SliderRow(name, {.minimum = 0, .maximum = 255, .rest = Levels().*field});
+    auto* row =
+        new SliderRow(name, {.minimum = 0, .maximum = 255, .rest = Levels().*field, .step = 1});
     row->hideLabel();
     connect(row, &SliderRow::valueChanged, this, [this, key, field](double value) {
-        if (m_isShowing)
-            return;
         m_levels.*field = value;
         m_plot->setLevels(m_levels);
         Q_EMIT levelEdited(key, value);
@@ -76,7 +74,6 @@ QString LevelsView::readout() const
 
 void LevelsView::showLevels()
 {
-    const QScopedValueRollback showing(m_isShowing, true);
     m_readout->setText(tr("Black %1   Gamma %2   White %3")
                            .arg(std::lround(m_levels.blackIn))
                            .arg(m_levels.gamma / 100, 0, 'f', 2)

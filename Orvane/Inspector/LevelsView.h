@@ -49,7 +49,6 @@ private:
     QLabel* m_readout;
     SliderRow* m_blackOut;
     SliderRow* m_whiteOut;
-    bool m_isShowing = false; ///< the rows are being set, not moved by the user
 };
 
 } // namespace orvane

@@ -158,7 +158,8 @@ TEST_F(LevelsViewTest, WhatIsSetIsShownWithoutTellingIt)
     EXPECT_EQ(view.whiteOut().value(), 230);
     EXPECT_EQ(edits, 0);
     EXPECT_TRUE(view.isEdited());
-    QTest::mouseDClick(&view.whiteOut().slider(), Qt::LeftButton);
+    DoubleClickSlider& slider = view.whiteOut().slider();
+    QTest::mouseDClick(&slider, Qt::LeftButton, {}, slider.knobCentre().toPoint());
     EXPECT_EQ(told, std::pair(std::string("levelsWhiteOut"), 255.0));
 }
 

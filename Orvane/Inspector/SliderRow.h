@@ -1,79 +1,49 @@
 #pragma once
 
-#include <QLineEdit>
-#include <QSlider>
+#include "DoubleClickSlider.h"
+#include "ValueField.h"
+
+#include <QWidget>
 
 class QLabel;
 
 namespace orvane {
 
-/// A slider over tenths of its unit. Arrow keys step by one unit and with Shift by a tenth; a
-/// double click asks for the rest value; the wheel turns it only while it has the focus, and
-/// otherwise scrolls the panel that it lies in.
-class DoubleClickSlider final : public QSlider {
-    Q_OBJECT
-
-public:
-    DoubleClickSlider(double minimum, double maximum, double origin, QWidget* parent = nullptr);
-
-    double number() const { return value() / 10.0; }
-    void setNumber(double number);
-    QSize sizeHint() const override;
-
-Q_SIGNALS:
-    void resetAsked();
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override;
-
-private:
-    double knobCentre() const { return centreOf(value()); }
-    double centreOf(int tenths) const;
-    int valueAt(double x) const;
-
-    int m_origin; ///< tenths; the track is filled from here
-    double m_grab = 0; ///< from the knob's centre to where it was taken
-};
-
 /// A row of a panel: label, slider, and the value as a field that takes a typed number.
-class SliderRow final : public QWidget {
+///
+///   Exposure      ─────────●────      40
+class SliderRow : public QWidget {
     Q_OBJECT
 
 public:
-    struct Range {
-        double minimum = 0;
-        double maximum = 0;
-        double rest = 0;
-        bool resets = true; ///< to the rest value, by a double click on the knob
-    };
-    SliderRow(const QString& label, const Range& range, QWidget* parent = nullptr);
+    using Range = SliderRange;
+    /// The unit follows the shown number at once, as in "3°".
+    SliderRow(const QString& label, const Range& range, const QString& unit = {},
+              QWidget* parent = nullptr);
 
-    double value() const { return m_value; }
-    /// Held to the range. Told by valueChanged, when it differs.
+    double value() const { return m_slider->number(); }
+    /// Held to the range. Tells nothing.
     void setValue(double value);
     /// For a form that has labels of its own.
     void hideLabel();
+    /// What a screen reader says of slider and field, in the label's place.
+    void setSpokenName(const QString& name);
     DoubleClickSlider& slider() { return *m_slider; }
-    QLineEdit& field() { return *m_field; }
+    ValueField& field() { return *m_field; }
 
 Q_SIGNALS:
+    /// By the user: the slider, its keys and wheel, the field, a reset.
     void valueChanged(double value);
+    /// An edit of several changes starts or ends: a drag from press to release, and round each
+    /// typed number and reset. Steps by key and wheel stand outside.
+    void editingChanged(bool isEditing);
 
 private:
-    void takeTyped();
-    void showNumber();
+    void takeAtOnce(double value);
 
-    Range m_range;
-    double m_value;
     QLabel* m_label;
     DoubleClickSlider* m_slider;
-    QLineEdit* m_field;
+    ValueField* m_field;
 };
 
 } // namespace orvane

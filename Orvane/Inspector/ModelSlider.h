@@ -1,0 +1,43 @@
+#pragma once
+
+#include "AppModel.h"
+#include "SliderRow.h"
+
+#include <functional>
+#include <optional>
+
+namespace orvane {
+
+/// A slider row that is tied to a value of the model. Whatever history the writing keeps: one drag,
+/// one typed number and one reset each leave one step behind; keys and the wheel write as they
+/// come, so that the model makes one step of a burst.
+class ModelSlider final : public SliderRow {
+    Q_OBJECT
+
+public:
+    struct Binding {
+        std::function<double()> read; ///< as shown
+        std::function<void(double)> write; ///< an operation of the model, history and all
+        std::function<void()> pressed = {}; ///< before the first change of a drag
+    };
+    ModelSlider(AppModel& model, const QString& label, const Range& range, Binding binding,
+                const QString& unit = {}, QWidget* parent = nullptr);
+
+    /// Shows what the model holds; what is shown already costs nothing.
+    void refresh();
+
+private:
+    /// Where an edit of several changes began.
+    struct Start {
+        std::string image;
+        History<EditState> history;
+    };
+    void beginEdit();
+    void endEdit();
+
+    AppModel& m_model;
+    Binding m_binding;
+    std::optional<Start> m_start;
+};
+
+} // namespace orvane

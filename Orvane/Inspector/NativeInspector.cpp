@@ -1,0 +1,160 @@
+#include "NativeInspector.h"
+
+#include "FoldingSection.h"
+#include "Theme.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace orvane {
+
+namespace {
+
+constexpr int margin = 16;
+
+QString headingLook()
+{
+    return QString("QPushButton { background: transparent; border: 1px solid transparent;"
+                   " padding: 1px 6px; font-size: 11px; color: %1; }"
+                   "QPushButton:hover { background: %2; color: %3; }"
+                   "QPushButton:focus { border-color: %4; }")
+        .arg(Theme::secondaryText.name(), Theme::raised.name(), Theme::text.name(),
+             Theme::accent.name());
+}
+
+} // namespace
+
+NativeInspector::NativeInspector(AppModel& model, QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_scroll(new QScrollArea)
+    , m_watch([this] { refresh(); })
+{
+    setFixedWidth(panelWidth);
+    auto* content = new QWidget;
+    m_column = new QVBoxLayout(content);
+    m_column->setContentsMargins(margin, 4, margin, margin);
+    m_column->setSpacing(0);
+    for (const InspectorHeading& heading : inspectorLayout(model.schema))
+        addHeading(heading);
+    m_column->addStretch(1);
+
+    m_scroll->setWidget(content);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setFocusPolicy(Qt::NoFocus);
+    m_scroll->setAccessibleName(tr("Inspector"));
+    auto* frame = new QVBoxLayout(this);
+    frame->setContentsMargins(0, 0, 0, 0);
+    frame->addWidget(m_scroll);
+
+    m_watch.watch(model.session, model.adjust, model.curve);
+    refresh();
+}
+
+void NativeInspector::addHeading(const InspectorHeading& heading)
+{
+    auto* title = new QLabel(heading.title);
+    QFont semibold = title->font();
+    semibold.setWeight(QFont::DemiBold);
+    title->setFont(semibold);
+    auto* button = new QPushButton;
+    button->setStyleSheet(headingLook());
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 4, 0, 0);
+    row->setSpacing(6);
+    row->addWidget(title);
+    row->addStretch(1);
+    row->addWidget(button);
+    m_column->addLayout(row);
+
+    Heading shown{.title = heading.title, .names = {}, .button = button};
+    for (const InspectorSection& section : heading.sections)
+        shown.names.push_back(section.name);
+    m_headings.push_back(shown);
+    connect(button, &QPushButton::clicked, this, [this, shown] { toggleAll(shown); });
+    for (const InspectorSection& section : heading.sections)
+        addSection(section);
+    showHeadings();
+}
+
+void NativeInspector::addSection(const InspectorSection& section)
+{
+    auto* widget = new FoldingSection(
+        section.name, [this, make = section.make](QWidget* p) { return make(m_model, p); },
+        m_expanded.contains(section.name));
+    m_column->addWidget(widget);
+    m_sections.push_back({section, widget});
+    connect(widget, &FoldingSection::expandedChanged, this,
+            [this, name = section.name](bool isOpen) { takeExpanded(name, isOpen); });
+    connect(widget, &FoldingSection::resetAsked, this, [this, reset = section.reset] {
+        if (reset)
+            reset(m_model);
+    });
+}
+
+// ---- Folding ----
+
+FoldingSection* NativeInspector::section(const QString& name) const
+{
+    const auto found = std::find_if(m_sections.begin(), m_sections.end(),
+                                    [&](const Shown& s) { return s.section.name == name; });
+    return found == m_sections.end() ? nullptr : found->widget;
+}
+
+void NativeInspector::setExpanded(const QString& name, bool expanded)
+{
+    if (FoldingSection* found = section(name))
+        found->setExpanded(expanded);
+}
+
+void NativeInspector::takeExpanded(const QString& name, bool isExpanded)
+{
+    if (isExpanded)
+        m_expanded.insert(name);
+    else
+        m_expanded.erase(name);
+    showHeadings();
+}
+
+bool NativeInspector::isAllExpanded(const Heading& heading) const
+{
+    return !heading.names.empty()
+        && std::all_of(heading.names.begin(), heading.names.end(),
+                       [this](const QString& name) { return m_expanded.contains(name); });
+}
+
+void NativeInspector::toggleAll(const Heading& heading)
+{
+    const bool expands = !isAllExpanded(heading);
+    for (const QString& name : heading.names)
+        setExpanded(name, expands);
+}
+
+void NativeInspector::showHeadings()
+{
+    for (const Heading& heading : m_headings) {
+        const bool isAll = isAllExpanded(heading);
+        heading.button->setText(isAll ? tr("Collapse All") : tr("Expand All"));
+        const QString help = isAll ? tr("Collapse all in %1") : tr("Expand all in %1");
+        heading.button->setToolTip(help.arg(heading.title));
+        heading.button->setAccessibleName(heading.button->toolTip());
+    }
+}
+
+void NativeInspector::refresh()
+{
+    m_scroll->widget()->setVisible(!m_model.session.value().empty());
+    for (const Shown& shown : m_sections) {
+        if (shown.section.isEdited)
+            shown.widget->setEdited(shown.section.isEdited(m_model));
+    }
+}
+
+} // namespace orvane

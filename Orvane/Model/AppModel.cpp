@@ -36,6 +36,7 @@ AppModel::AppModel(Surroundings surroundings)
     , m_looksStore(m_surroundings.supportFolder / "saved-looks.json")
     , m_lutStore(m_surroundings.supportFolder / "luts")
     , m_alive(std::make_shared<AppModel*>(this))
+    , m_histogramCounter([this](const Histogram& counted) { histogram = counted; })
 {
     savedLookEntries = m_looksStore.load();
     collections = m_collectionStore.load();

@@ -4,6 +4,7 @@
 #include "Desktop.h"
 #include "EditStateJSON.h"
 #include "ExportQueue.h"
+#include "HistogramCounter.h"
 #include "LatestJob.h"
 #include "LutStore.h"
 #include "PhotoSource.h"
@@ -180,6 +181,17 @@ public:
     void refreshLookThumbs();
     /// Whether looks are being drawn.
     bool isFittingLooks() const { return m_lookJob.isRunning(); }
+
+    // ---- The view -----------------------------------------------------------------------------
+
+    /// A step of the zoom, held to 1..16.
+    void zoomIn();
+    void zoomOut();
+    /// Counts the graded picture anew, in the background, while somebody wants to see it: a view
+    /// that shows the histogram, or `histogramOn`.
+    void refreshHistogram();
+    /// Tells that a view shows the counts (or no longer does), whatever `histogramOn` says.
+    void setHistogramWanted(bool wanted);
 
     // ---- Saved looks and LUTs -----------------------------------------------------------------
 
@@ -384,6 +396,8 @@ private:
     // Last: they are waited for before anything that they report to goes.
     ExportQueue m_exports;
     LatestJob m_lookJob;
+    HistogramCounter m_histogramCounter;
+    bool m_isHistogramWanted = false;
 };
 
 } // namespace orvane

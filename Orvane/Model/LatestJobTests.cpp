@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QSemaphore>
 
 #include <atomic>
@@ -18,13 +17,7 @@ namespace {
 /// Jobs behind a gate: the first to run stays in its work until the test lets it go.
 class LatestJobTest : public testing::Test {
 protected:
-    LatestJobTest()
-    {
-        static int count = 1;
-        static char name[] = "tests";
-        static char* arguments[] = {name, nullptr};
-        static QCoreApplication application(count, arguments);
-    }
+    LatestJobTest() { makeTestApplication(); }
     void startBehindGate(int result)
     {
         job.start(

@@ -70,10 +70,7 @@ class ModelTest : public TemporaryFolder {
 protected:
     ModelTest()
     {
-        static int count = 1;
-        static char name[] = "tests";
-        static char* arguments[] = {name, nullptr};
-        static QCoreApplication application(count, arguments);
+        makeTestApplication();
         restart();
     }
 

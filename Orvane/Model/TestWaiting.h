@@ -9,6 +9,17 @@
 
 namespace orvane {
 
+/// For tests: an event loop needs an application; tests of widgets have made their own, larger one.
+inline void makeTestApplication()
+{
+    if (QCoreApplication::instance())
+        return;
+    static int count = 1;
+    static char name[] = "tests";
+    static char* arguments[] = {name, nullptr};
+    static QCoreApplication application(count, arguments);
+}
+
 /// For tests: handles events until the condition holds. Throws after a minute, which no working
 /// program takes here, so that a test that waits in vain fails by itself.
 inline void waitFor(const std::function<bool()>& condition)

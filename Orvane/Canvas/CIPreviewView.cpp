@@ -1,9 +1,13 @@
 #include "CIPreviewView.h"
 
+#include "AppModel.h"
+#include "Theme.h"
+
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QPainter>
 #include <QWheelEvent>
+#include <QtConcurrent>
 
 #include <cmath>
 
@@ -14,8 +18,6 @@ namespace {
 constexpr std::chrono::milliseconds debounce(180);
 /// A press that moves less is a click.
 constexpr double dragDistance = 10;
-/// About 3 % of white's luminance: neutral, and dark enough that the picture's blacks keep depth.
-constexpr QColor surround(0x30, 0x30, 0x30);
 
 CGPoint toPoint(const QPointF& point)
 {
@@ -24,36 +26,97 @@ CGPoint toPoint(const QPointF& point)
 
 } // namespace
 
-CIPreviewView::CIPreviewView(QThreadPool& pool, QWidget* parent)
+CIPreviewView::CIPreviewView(AppModel& model, QThreadPool& pool, QWidget* parent)
     : QWidget(parent)
+    , m_model(model)
+    , m_pool(pool)
     , m_scheduler(pool, debounce)
+    , m_zoom(model)
+    , m_watch([this] { refresh(); })
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled, false);
+    setMouseTracking(true);
     setMinimumSize(320, 240);
     setAccessibleName(tr("Picture"));
     connect(&m_scheduler, &RenderScheduler::rendered, this, &CIPreviewView::take);
+    connect(&m_zoom, &CanvasZoom::scaleChanged, this, &CIPreviewView::scaleChanged);
+    connect(&m_zoom, &CanvasZoom::moved, this, [this] {
+        updateCursor();
+        update();
+    });
+    m_watch.watch(model.sourceImageVersion, model.sourceImage, model.adjust, model.curve,
+                  model.lutAmount, model.lutID, model.lights, model.ciHealSpots, model.comparing,
+                  model.rotation, model.flipH, model.flipV, model.crop, model.canvasAspect,
+                  model.canvasFill, model.canvasColor, model.texts, model.cropMode, model.ciLUT);
+    m_watch.refresh();
 }
 
-void CIPreviewView::setContent(const CanvasContent& content)
+CanvasContent CIPreviewView::wantedContent() const
 {
-    const bool isNewSource = content.version != m_content.version;
-    m_content = content;
-    if (isNewSource) {
-        // Until its first picture is there: the old one would be taken for the new.
-        m_scheduler.clear();
-        take({});
-        setView(1, {});
-    }
-    if (content.isEmpty())
+    const auto& source = m_model.sourceImage.value();
+    CanvasContent content{.version = m_model.sourceImageVersion};
+    if (!source)
+        return content;
+    const bool isKnown = content.version == m_content.version;
+    content.proxy = isKnown ? m_content.proxy : proxyOf(*source);
+    content.state = m_model.editState();
+    if (m_model.cropMode)
+        content.state = uncropped(std::move(content.state));
+    content.lut = m_model.ciLUT.value();
+    content.comparing = m_model.comparing;
+    return content;
+}
+
+void CIPreviewView::refresh()
+{
+    const CanvasContent before = std::exchange(m_content, wantedContent());
+    const bool isAnother = m_content.version != before.version;
+    if (isAnother)
+        showAnotherSource();
+    if (m_content.isEmpty())
         return;
+    const bool isModal = m_content.comparing || m_content.state.crop != before.state.crop;
     m_scheduler.request(
-        RenderKey::of(content),
-        [content, view = m_view, ratio = devicePixelRatioF()](const CancellationToken& token) {
+        RenderKey::of(m_content),
+        [content = m_content, view = mapping(),
+         ratio = devicePixelRatioF()](const CancellationToken& token) {
             return renderedForScreen(content, view, ratio, token);
         },
-        isNewSource || content.comparing ? RenderScheduler::Start::AtOnce
-                                         : RenderScheduler::Start::Debounced);
+        isAnother || isModal ? RenderScheduler::Start::AtOnce : RenderScheduler::Start::Debounced);
+}
+
+/// Until its first picture is there: its thumbnail, enlarged. The old picture would be taken for
+/// the new one.
+void CIPreviewView::showAnotherSource()
+{
+    m_scheduler.clear();
+    RenderedPicture standIn;
+    for (const EditImage& image : m_model.session.value()) {
+        if (image.id == m_model.activeImageID.value() && image.thumb && !m_content.isEmpty())
+            standIn = {.picture = withoutCopy(image.thumb),
+                       .frame = pictureSize(m_content),
+                       .crop = m_content.state.crop};
+    }
+    putOnScreen(standIn);
+    m_zoom.fit();
+}
+
+void CIPreviewView::take(const RenderedPicture& picture)
+{
+    putOnScreen(picture);
+    m_awaitsPaint = !m_picture.isEmpty();
+    m_model.refreshHistogram();
+    m_model.syncWindowChrome();
+}
+
+void CIPreviewView::putOnScreen(const RenderedPicture& picture)
+{
+    m_picture.set(picture);
+    m_failure = tr(picture.failure);
+    m_zoom.setFrame(picture.frame);
+    updateCursor();
+    update();
 }
 
 void CIPreviewView::setMessage(const QString& message)
@@ -62,54 +125,47 @@ void CIPreviewView::setMessage(const QString& message)
     update();
 }
 
-void CIPreviewView::take(const RenderedPicture& picture)
+void CIPreviewView::paintEvent(QPaintEvent*)
 {
-    m_picture.set(picture);
-    m_failure = tr(picture.failure);
-    m_view.frame = m_picture.frame();
-    m_awaitsPaint = !m_picture.isEmpty();
-    updateCursor();
-    update();
+    QPainter painter(this);
+    painter.fillRect(rect(), Theme::surround);
+    if (m_picture.isEmpty()) {
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.drawText(rect(), Qt::AlignCenter, m_failure.isEmpty() ? m_message : m_failure);
+        return;
+    }
+    // In whole device pixels: at a fractional scale the view itself may begin between two, and any
+    // other position would blur the picture.
+    const QTransform toDevice = painter.deviceTransform();
+    painter.setWorldTransform(toDevice.inverted());
+    const CGRect place = pictureRect(mapping());
+    const QPoint corner = toDevice.map(QPointF(place.minX(), place.minY())).toPoint();
+    const QSize size = deviceSize(mapping(), toDevice.m11());
+    m_picture.draw(painter, {corner, size});
+    if (m_picture.wantsFit(size, (QSizeF(rect().size()) * toDevice.m11()).toSize()))
+        fitPicture(size);
+    if (std::exchange(m_awaitsPaint, false))
+        QMetaObject::invokeMethod(this, &CIPreviewView::picturePainted, Qt::QueuedConnection);
 }
 
-void CIPreviewView::zoomIn()
+/// Scales a copy in the background. One at a time: when the size has changed meanwhile, the next
+/// paint asks again.
+void CIPreviewView::fitPicture(const QSize& size)
 {
-    setZoom(zoomedIn(m_view.zoom), {m_view.size.width / 2, m_view.size.height / 2});
+    if (std::exchange(m_isFitting, true))
+        return;
+    QtConcurrent::run(&m_pool, [size, picture = m_picture.picture()] {
+        return std::pair(picture, fittedTo(size, picture));
+    }).then(this, [this](const std::pair<QImage, QImage>& fitted) {
+        m_isFitting = false;
+        m_picture.takeFit(fitted.first, fitted.second);
+        update();
+    });
 }
 
-void CIPreviewView::zoomOut()
+void CIPreviewView::resizeEvent(QResizeEvent*)
 {
-    setZoom(zoomedOut(m_view.zoom), {m_view.size.width / 2, m_view.size.height / 2});
-}
-
-void CIPreviewView::zoomToFit()
-{
-    setView(1, {});
-}
-
-void CIPreviewView::zoomToActualSize()
-{
-    const CGSize& source = m_content.sourceSize;
-    if (source.width > 0 && source.height > 0)
-        setView(actualSizeZoom(source, m_view.size), {});
-}
-
-void CIPreviewView::setZoom(double zoom, const CGPoint& around)
-{
-    setView(zoom, panKeeping(around, zoom, m_view));
-}
-
-void CIPreviewView::setView(double zoom, const CGPoint& pan)
-{
-    const bool changes = zoom != m_view.zoom;
-    m_view.zoom = zoom;
-    m_view.pinch = 1;
-    m_view.pan = pan;
-    m_view.pan = heldPan(m_view);
-    updateCursor();
-    update();
-    if (changes)
-        Q_EMIT scaleChanged();
+    m_zoom.setSize({double(width()), double(height())});
 }
 
 bool CIPreviewView::event(QEvent* event)
@@ -122,45 +178,13 @@ bool CIPreviewView::event(QEvent* event)
 bool CIPreviewView::pinch(const QNativeGestureEvent& gesture)
 {
     if (gesture.gestureType() == Qt::EndNativeGesture) {
-        setView(heldZoom(m_view.zoom * m_view.pinch), m_view.pan);
+        m_zoom.endPinch();
         return true;
     }
     if (gesture.gestureType() != Qt::ZoomNativeGesture || m_picture.isEmpty())
         return false;
-    const double pinch = m_view.pinch * (1 + gesture.value());
-    const double zoom = heldZoom(m_view.zoom * pinch);
-    m_view.pan = panKeeping(toPoint(gesture.position()), zoom, m_view);
-    m_view.pinch = zoom / m_view.zoom;
-    m_view.pan = heldPan(m_view);
-    update();
+    m_zoom.pinch(toPoint(gesture.position()), 1 + gesture.value());
     return true;
-}
-
-void CIPreviewView::paintEvent(QPaintEvent*)
-{
-    QPainter painter(this);
-    painter.fillRect(rect(), surround);
-    if (m_picture.isEmpty()) {
-        painter.setPen(palette().color(QPalette::PlaceholderText));
-        painter.drawText(rect(), Qt::AlignCenter, m_failure.isEmpty() ? m_message : m_failure);
-        return;
-    }
-    // In whole device pixels: at a fractional scale the view itself may begin between two, and any
-    // other position would blur the picture.
-    const QTransform toDevice = painter.deviceTransform();
-    painter.setWorldTransform(toDevice.inverted());
-    const CGRect place = pictureRect(m_view);
-    const QPoint corner = toDevice.map(QPointF(place.minX(), place.minY())).toPoint();
-    m_picture.draw(painter, {corner, deviceSize(m_view, toDevice.m11())});
-    if (std::exchange(m_awaitsPaint, false))
-        QMetaObject::invokeMethod(this, &CIPreviewView::picturePainted, Qt::QueuedConnection);
-}
-
-void CIPreviewView::resizeEvent(QResizeEvent*)
-{
-    m_view.size = {double(width()), double(height())};
-    m_view.pan = heldPan(m_view);
-    Q_EMIT scaleChanged();
 }
 
 void CIPreviewView::wheelEvent(QWheelEvent* event)
@@ -168,7 +192,12 @@ void CIPreviewView::wheelEvent(QWheelEvent* event)
     if (m_picture.isEmpty() || event->angleDelta().y() == 0)
         return;
     const double steps = event->angleDelta().y() / 120.0;
-    setZoom(heldZoom(m_view.zoom * std::pow(1.25, steps)), toPoint(event->position()));
+    m_zoom.zoomAbout(toPoint(event->position()), mapping().zoom * std::pow(1.25, steps));
+}
+
+void CIPreviewView::leaveEvent(QEvent*)
+{
+    m_zoom.setPointer({});
 }
 
 void CIPreviewView::mousePressEvent(QMouseEvent* event)
@@ -181,16 +210,15 @@ void CIPreviewView::mousePressEvent(QMouseEvent* event)
 
 void CIPreviewView::mouseMoveEvent(QMouseEvent* event)
 {
-    if (!m_press || effectiveZoom(m_view) <= 1)
+    m_zoom.setPointer(toPoint(event->position()));
+    if (!m_press || effectiveZoom(mapping()) <= 1)
         return;
     const QPointF moved = event->position() - *m_press;
-    if (!m_panAtDrag && std::hypot(moved.x(), moved.y()) < dragDistance)
+    if (!m_zoom.isPanning() && std::hypot(moved.x(), moved.y()) < dragDistance)
         return;
-    if (!m_panAtDrag)
-        m_panAtDrag = m_view.pan;
-    m_view.pan = {m_panAtDrag->x + moved.x(), m_panAtDrag->y + moved.y()};
-    m_view.pan = heldPan(m_view);
-    update();
+    if (!m_zoom.isPanning())
+        m_zoom.startPan();
+    m_zoom.panBy(moved.x(), moved.y());
 }
 
 void CIPreviewView::mouseReleaseEvent(QMouseEvent* event)
@@ -198,19 +226,19 @@ void CIPreviewView::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
     m_press.reset();
-    m_panAtDrag.reset();
+    m_zoom.endPan();
     updateCursor();
 }
 
 void CIPreviewView::mouseDoubleClickEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton)
-        zoomToFit();
+        m_zoom.glideToFit();
 }
 
 void CIPreviewView::updateCursor()
 {
-    if (m_picture.isEmpty() || effectiveZoom(m_view) <= 1)
+    if (m_picture.isEmpty() || effectiveZoom(mapping()) <= 1)
         unsetCursor();
     else
         setCursor(m_press ? Qt::ClosedHandCursor : Qt::OpenHandCursor);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "CanvasZoom.h"
+#include "FieldWatch.h"
 #include "RenderScheduler.h"
 #include "ScreenPicture.h"
 
@@ -9,34 +11,27 @@ class QNativeGestureEvent;
 
 namespace orvane {
 
-/// The central view: the picture of the content it was last given, rendered in the background, with
+class AppModel;
+
+/// The central view: the model's active picture with its edit, rendered in the background, with
 /// zoom and pan.
 class CIPreviewView final : public QWidget {
     Q_OBJECT
 
 public:
     /// Renders run in the pool, which must outlive the view.
-    explicit CIPreviewView(QThreadPool& pool, QWidget* parent = nullptr);
+    CIPreviewView(AppModel& model, QThreadPool& pool, QWidget* parent = nullptr);
 
-    /// A new source is rendered at once and shown fitted, a change of its edit after a pause, and a
-    /// comparison at once. Empty content clears the view.
-    void setContent(const CanvasContent& content);
     /// Shown in the middle while there is no picture.
     void setMessage(const QString& message);
 
-    void zoomIn();
-    void zoomOut();
-    void zoomToFit();
-    /// One source pixel on one view point.
-    void zoomToActualSize();
-
     /// Zoom, pan and the picture's frame, as the mapping functions take them.
-    const CanvasView& mapping() const { return m_view; }
+    const CanvasView& mapping() const { return m_zoom.view(); }
 
 Q_SIGNALS:
     /// The zoom or the view's size is another.
     void scaleChanged();
-    /// A picture has been painted on screen, not merely rendered.
+    /// A rendered picture has been painted on screen.
     void picturePainted();
 
 protected:
@@ -44,27 +39,34 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
+    CanvasContent wantedContent() const;
+    void refresh();
+    void showAnotherSource();
     void take(const RenderedPicture& picture);
-    void setZoom(double zoom, const CGPoint& around);
-    void setView(double zoom, const CGPoint& pan);
+    void putOnScreen(const RenderedPicture& picture);
+    void fitPicture(const QSize& size);
     bool pinch(const QNativeGestureEvent& gesture);
     void updateCursor();
 
+    AppModel& m_model;
+    QThreadPool& m_pool;
     CanvasContent m_content;
     RenderScheduler m_scheduler;
     ScreenPicture m_picture;
-    CanvasView m_view;
+    CanvasZoom m_zoom;
     QString m_message;
     QString m_failure; ///< of the last render; shown in the message's place
     std::optional<QPointF> m_press; ///< where the left button went down, in view points
-    std::optional<CGPoint> m_panAtDrag; ///< present while a drag pans
+    bool m_isFitting = false; ///< a copy of the picture is being scaled in the background
     bool m_awaitsPaint = false;
+    FieldWatch m_watch;
 };
 
 } // namespace orvane

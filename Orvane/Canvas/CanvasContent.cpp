@@ -1,10 +1,20 @@
 #include "CanvasContent.h"
 
+#include "EditRendering.h"
 #include "Geometry.h"
 #include "Pipeline.h"
 #include "TextLayers.h"
 
+#include <cmath>
+
 namespace orvane {
+
+EditState uncropped(EditState state)
+{
+    state.crop = Geometry::fullFrame;
+    state.canvasAspect = 0;
+    return state;
+}
 
 RenderKey RenderKey::of(const CanvasContent& content)
 {
@@ -12,10 +22,9 @@ RenderKey RenderKey::of(const CanvasContent& content)
     RenderKey key;
     key.version = content.version;
     key.comparing = content.comparing;
-    key.geometry = {
-        state.rotation,      double(state.flipH), double(state.flipV),
-        state.crop.minX(),   state.crop.minY(),   state.crop.width(),
-        state.crop.height(), state.canvasAspect,  double(content.cropping == Cropping::Applied)};
+    key.geometry = {state.rotation,      double(state.flipH), double(state.flipV),
+                    state.crop.minX(),   state.crop.minY(),   state.crop.width(),
+                    state.crop.height(), state.canvasAspect};
     key.canvasFill = state.canvasFill;
     key.canvasColor = state.canvasColor;
     if (content.comparing)
@@ -24,6 +33,7 @@ RenderKey RenderKey::of(const CanvasContent& content)
     key.curve = state.curve;
     key.lutAmount = state.lutAmount;
     key.lutID = state.lutID;
+    key.hasLut = content.lut.has_value();
     key.lights = state.lights;
     key.healSpots = state.healSpots;
     key.texts = state.texts;
@@ -37,11 +47,20 @@ CIImage proxyOf(const CIImage& source)
 
 CIImage picture(const CanvasContent& content)
 {
-    const CIImage frame = framed(content.proxy, content.state, content.cropping);
+    const CIImage frame = framed(content.proxy, content.state);
     if (content.comparing)
         return frame;
-    const CIImage graded = Pipeline::render(frame, adjustments(content.state, {}));
+    const CIImage graded = Pipeline::render(frame, adjustments(content.state, content.lut));
     return TextLayers::draw(content.state.textItems(), graded);
+}
+
+CGSize pictureSize(const CanvasContent& content)
+{
+    if (content.isEmpty())
+        return {};
+    const CGRect extent = framed(content.proxy, content.state).extent();
+    return {std::round(extent.maxX()) - std::round(extent.minX()),
+            std::round(extent.maxY()) - std::round(extent.minY())};
 }
 
 } // namespace orvane

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "CIImage.h"
-#include "EditRendering.h"
 #include "EditState.h"
+#include "LUT.h"
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,11 +23,15 @@ struct CanvasContent {
     CIImage proxy = {}; ///< what is rendered; see proxyOf
     CGSize sourceSize = {}; ///< pixels of the full source
     EditState state = {};
+    std::optional<LUT> lut = {}; ///< that the state's lutID names, when the library has it
     bool comparing = false; ///< show the picture without its grade
-    Cropping cropping = Cropping::Applied;
 
     bool isEmpty() const { return proxy.isEmpty(); }
 };
+
+/// The edit as the crop tool shows it: the whole frame, which is what a crop counts in, and so also
+/// without the canvas that is laid round the crop.
+EditState uncropped(EditState state);
 
 /// Everything that changes the rendered picture, and only that: equal keys are equal pictures.
 /// While comparing, the grade is not part of it.
@@ -36,10 +41,11 @@ struct RenderKey {
     Adjustments::Curve curve;
     double lutAmount = 0;
     std::string lutID;
+    bool hasLut = false;
     std::vector<EditState::Light> lights;
     std::vector<HealSpot> healSpots;
     bool comparing = false;
-    std::array<double, 9> geometry{}; ///< rotation, flips, crop, canvas aspect, whether cropped
+    std::array<double, 8> geometry{}; ///< rotation, flips, crop, canvas aspect
     std::string canvasFill;
     std::string canvasColor;
     std::vector<EditState::TextLayer> texts;
@@ -50,5 +56,7 @@ struct RenderKey {
 
 /// The picture as a recipe: framed, and unless comparing graded, with its text over it.
 CIImage picture(const CanvasContent& content);
+/// The size that it is drawn at, in pixels, without drawing anything.
+CGSize pictureSize(const CanvasContent& content);
 
 } // namespace orvane

@@ -20,7 +20,9 @@ namespace orvane {
 /// A picture ready for the screen.
 struct RenderedPicture {
     QImage picture = {}; ///< null when the render yielded nothing
-    QImage fitted = {}; ///< the same at the size on screen, in device pixels; null when not reduced
+    QImage fitted = {}; ///< the same at its size on screen, in device pixels; null when not scaled
+    CGSize frame = {}; ///< pixels of the finished picture, which a stand-in is stretched to
+    CGRect crop = {0, 0, 1, 1}; ///< what it shows of the whole frame
     const char* failure = ""; ///< one sentence, when there is no picture for a reason to tell
 };
 

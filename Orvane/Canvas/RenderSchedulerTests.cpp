@@ -122,6 +122,11 @@ TEST_F(RenderSchedulerTest, AFailedRenderIsToldAndDoneAnewWhenAskedAgain)
     EXPECT_EQ(shown, (std::vector{failed, 1}));
 }
 
+std::optional<LUT> anyTable()
+{
+    return LUT::fromRGB(2, std::vector<float>(24, 0.5F));
+}
+
 TEST(RenderKeyTest, HoldsWhatChangesThePictureAndOnlyThat)
 {
     struct Row {
@@ -136,7 +141,12 @@ TEST(RenderKeyTest, HoldsWhatChangesThePictureAndOnlyThat)
         {"a heal spot", [](CanvasContent& c) { c.state.healSpots.emplace_back(); }, true, false},
         {"a text", [](CanvasContent& c) { c.state.texts.emplace_back(); }, true, false},
         {"a turn", [](CanvasContent& c) { c.state.rotation = 1; }, true, true},
-        {"the crop tool", [](CanvasContent& c) { c.cropping = Cropping::Ignored; }, true, true},
+        {"a crop",
+         [](CanvasContent& c) {
+             c.state.crop = {0, 0, 0.5, 1};
+         },
+         true, true},
+        {"a table that was missing", [](CanvasContent& c) { c.lut = anyTable(); }, true, false},
         {"the canvas's colour", [](CanvasContent& c) { c.state.canvasColor = "#fff"; }, true, true},
         {"an unapplied strength", [](CanvasContent& c) { c.state.lookStrength = 3; }, false, false},
     };

@@ -14,32 +14,42 @@ namespace {
 /// From this many device pixels for one of the picture, pixels are shown as squares.
 constexpr double squaresFrom = 4;
 
-/// The engine's bytes as they are, owned by the image.
-QImage withoutCopy(CGImage drawn)
-{
-    const auto format = drawn.format == PixelFormat::BGRX8 ? QImage::Format_RGB32
-                                                           : QImage::Format_ARGB32_Premultiplied;
-    auto* owned = new CGImage(std::move(drawn));
-    return {owned->pixels.data(),
-            owned->width,
-            owned->height,
-            qsizetype(owned->rowBytes),
-            format,
-            [](void* image) { delete static_cast<CGImage*>(image); },
-            owned};
-}
-
 bool reduces(const QSize& from, const QSize& to)
 {
     return to.width() < from.width() || to.height() < from.height();
 }
 
-QImage reducedTo(const QSize& size, const QImage& picture)
+bool isWithin(const QSize& size, const QSize& bounds)
 {
-    return picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return size.width() <= bounds.width() && size.height() <= bounds.height();
+}
+
+/// Reduced pictures are small in any case; an enlarged one is worth its memory while all of it is
+/// on screen.
+bool isWorthFitting(const QSize& picture, const QSize& target, const QSize& view)
+{
+    if (target == picture)
+        return false;
+    return reduces(picture, target)
+        || (isWithin(target, view) && target.width() < squaresFrom * picture.width());
 }
 
 } // namespace
+
+QImage withoutCopy(std::shared_ptr<const CGImage> drawn)
+{
+    const auto format = drawn->format == PixelFormat::BGRX8 ? QImage::Format_RGB32
+                                                            : QImage::Format_ARGB32_Premultiplied;
+    auto* const owned = new std::shared_ptr<const CGImage>(std::move(drawn));
+    const CGImage& image = **owned;
+    return {image.pixels.data(),
+            image.width,
+            image.height,
+            qsizetype(image.rowBytes),
+            format,
+            [](void* held) { delete static_cast<std::shared_ptr<const CGImage>*>(held); },
+            owned};
+}
 
 RenderedPicture renderedForScreen(const CanvasContent& content, const CanvasView& view,
                                   double pixelRatio, const CancellationToken& cancellation)
@@ -48,12 +58,16 @@ RenderedPicture renderedForScreen(const CanvasContent& content, const CanvasView
                                 {.cancellation = &cancellation, .keepIntermediates = true});
     if (!drawn)
         return {};
-    RenderedPicture result{withoutCopy(std::move(*drawn)), {}};
+    RenderedPicture result{.picture =
+                               withoutCopy(std::make_shared<const CGImage>(std::move(*drawn)))};
+    result.frame = {double(result.picture.width()), double(result.picture.height())};
     CanvasView shown = view;
-    shown.frame = {double(result.picture.width()), double(result.picture.height())};
+    shown.frame = result.frame;
     const QSize size = deviceSize(shown, pixelRatio);
-    if (!size.isEmpty() && reduces(result.picture.size(), size))
-        result.fitted = reducedTo(size, result.picture);
+    const QSize whole =
+        QSizeF(view.size.width * pixelRatio, view.size.height * pixelRatio).toSize();
+    if (isWorthFitting(result.picture.size(), size, whole) && !cancellation.isCancelled())
+        result.fitted = fittedTo(size, result.picture);
     return result;
 }
 
@@ -64,28 +78,45 @@ QSize deviceSize(const CanvasView& view, double pixelRatio)
             std::max(1, int(std::lround(picture.height() * pixelRatio)))};
 }
 
+QImage fittedTo(const QSize& size, const QImage& picture)
+{
+    if (reduces(picture.size(), size))
+        return picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QImage enlarged(size, picture.format());
+    QPainter painter(&enlarged);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(enlarged.rect(), picture);
+    return enlarged;
+}
+
 void ScreenPicture::set(const RenderedPicture& rendered)
 {
     m_picture = rendered.picture;
-    m_reduced = rendered.fitted;
+    m_fitted = rendered.fitted;
 }
 
-CGSize ScreenPicture::frame() const
+void ScreenPicture::draw(QPainter& painter, const QRect& target) const
 {
-    return {double(m_picture.width()), double(m_picture.height())};
-}
-
-void ScreenPicture::draw(QPainter& painter, const QRect& target)
-{
-    if (reduces(m_picture.size(), target.size())) {
-        if (m_reduced.size() != target.size())
-            m_reduced = reducedTo(target.size(), m_picture);
-        painter.drawImage(target.topLeft(), m_reduced);
+    if (m_fitted.size() == target.size()) {
+        painter.drawImage(target.topLeft(), m_fitted);
         return;
     }
     const double scale = double(target.width()) / m_picture.width();
     painter.setRenderHint(QPainter::SmoothPixmapTransform, scale < squaresFrom);
     painter.drawImage(target, m_picture);
+}
+
+bool ScreenPicture::wantsFit(const QSize& target, const QSize& view) const
+{
+    return !m_picture.isNull() && m_fitted.size() != target
+        && isWorthFitting(m_picture.size(), target, view);
+}
+
+void ScreenPicture::takeFit(const QImage& picture, const QImage& fitted)
+{
+    if (picture.cacheKey() == m_picture.cacheKey())
+        m_fitted = fitted;
 }
 
 } // namespace orvane

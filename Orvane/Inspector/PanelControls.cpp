@@ -1,0 +1,121 @@
+#include "PanelControls.h"
+
+#include "DevicePixels.h"
+#include "Icon.h"
+#include "Theme.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+
+namespace orvane {
+
+namespace {
+
+constexpr int pictureSize = 16;
+constexpr int labelWidth = 84;
+constexpr double switchWidth = 30;
+constexpr double switchHeight = 16;
+
+} // namespace
+
+void drawIcon(QPainter& painter, const QIcon& icon, const QPointF& centre, int size,
+              QIcon::Mode mode)
+{
+    const double scale = painter.device()->devicePixelRatioF();
+    const QPixmap pixmap = icon.pixmap(QSize(size, size), scale, mode);
+    const QSizeF shown = QSizeF(pixmap.size()) / scale;
+    const QRectF place(centre - QPointF(shown.width(), shown.height()) / 2, shown);
+    const QPointF corner = DevicePixels::aligned(painter, place).topLeft();
+    painter.drawPixmap(QRectF(corner, shown), pixmap, QRectF(QPointF(), QSizeF(pixmap.size())));
+}
+
+PanelButton::PanelButton(std::string_view iconName, const QString& text, const QString& help,
+                         QWidget* parent)
+    : QPushButton(orvane::icon(iconName), text, parent)
+{
+    setAccessibleName(text);
+    setToolTip(help);
+    setIconSize({pictureSize, pictureSize});
+    setStyleSheet(QString("QPushButton { padding: 5px 6px; }"
+                          "QPushButton:checked { background: %1; border-color: %2; }")
+                      .arg(Theme::hover.name(), Theme::accent.name()));
+}
+
+GlyphButton::GlyphButton(const QIcon& icon, const QString& help, QWidget* parent)
+    : QAbstractButton(parent)
+{
+    setIcon(icon);
+    setHelp(help);
+    setFixedSize(sizeHint());
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_Hover);
+}
+
+void GlyphButton::setHelp(const QString& help)
+{
+    setToolTip(help);
+    setAccessibleName(help);
+}
+
+void GlyphButton::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(hasFocus() ? QPen(Theme::accent, 1) : QPen(Qt::NoPen));
+    if (isEnabled() && (underMouse() || isDown()))
+        painter.setBrush(isDown() ? Theme::section : Theme::hover);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+    drawIcon(painter, icon(), QRectF(rect()).center(), pictureSize,
+             isEnabled() ? QIcon::Normal : QIcon::Disabled);
+}
+
+Toggle::Toggle(const QString& text, const QString& help, QWidget* parent)
+    : QCheckBox(text, parent)
+{
+    setAccessibleName(text);
+    setToolTip(help);
+    setFixedHeight(sizeHint().height());
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_Hover);
+}
+
+bool Toggle::hitButton(const QPoint& point) const
+{
+    return rect().contains(point);
+}
+
+void Toggle::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(isEnabled() ? Theme::text : Theme::disabledText);
+    painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft, text());
+
+    const QRectF track(width() - switchWidth - 1, (height() - switchHeight) / 2, switchWidth,
+                       switchHeight);
+    painter.setPen(hasFocus() ? QPen(Theme::accent, 2) : QPen(Theme::border, 1));
+    const QColor on(0x8a, 0x8a, 0x8a);
+    painter.setBrush(!isChecked() ? Theme::field : underMouse() ? on.lighter(115) : on);
+    painter.drawRoundedRect(track, switchHeight / 2, switchHeight / 2);
+
+    const double inset = switchHeight / 2;
+    const QPointF knob(isChecked() ? track.right() - inset : track.left() + inset,
+                       track.center().y());
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isChecked() ? QColor(0xec, 0xec, 0xec) : Theme::secondaryText);
+    painter.drawEllipse(knob, inset - 3, inset - 3);
+}
+
+QHBoxLayout* labelledRow(const QString& label)
+{
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(8);
+    auto* text = new QLabel(label);
+    text->setFixedWidth(labelWidth);
+    row->addWidget(text);
+    return row;
+}
+
+} // namespace orvane

@@ -83,7 +83,23 @@ void CIPreviewView::refresh()
          ratio = devicePixelRatioF()](const CancellationToken& token) {
             return renderedForScreen(content, view, ratio, token);
         },
-        isAnother || isModal ? RenderScheduler::Start::AtOnce : RenderScheduler::Start::Debounced);
+        isAnother || isModal ? RenderScheduler::Start::AtOnce : RenderScheduler::Start::Debounced,
+        draft());
+}
+
+/// Of the present content; empty when the finished picture comes soon enough.
+RenderScheduler::Render CIPreviewView::draft() const
+{
+    const CGRect place = pictureRect(mapping());
+    const double onScreen = std::max(place.width(), place.height()) * devicePixelRatioF();
+    const CGSize size = pictureSize(m_content);
+    const auto edge = draftEdge(m_renderTime, std::max(size.width, size.height), onScreen);
+    if (!edge || m_content.comparing)
+        return {};
+    return [content = m_content, edge = *edge, view = mapping(),
+            ratio = devicePixelRatioF()](const CancellationToken& token) {
+        return draftedForScreen(content, edge, view, ratio, token);
+    };
 }
 
 /// Until its first picture is there: its thumbnail, enlarged. The old picture would be taken for
@@ -91,6 +107,8 @@ void CIPreviewView::refresh()
 void CIPreviewView::showAnotherSource()
 {
     m_scheduler.clear();
+    m_renderTime = 0;
+    m_isFirstRender = true;
     RenderedPicture standIn;
     for (const EditImage& image : m_model.session.value()) {
         if (image.id == m_model.activeImageID.value() && image.thumb && !m_content.isEmpty())
@@ -106,6 +124,10 @@ void CIPreviewView::take(const RenderedPicture& picture)
 {
     putOnScreen(picture);
     m_awaitsPaint = !m_picture.isEmpty();
+    if (picture.isDraft)
+        return;
+    if (!std::exchange(m_isFirstRender, false) && !m_content.comparing)
+        m_renderTime = picture.milliseconds;
     m_model.refreshHistogram();
     m_model.syncWindowChrome();
 }

@@ -48,6 +48,7 @@ protected:
 private:
     CanvasContent wantedContent() const;
     void refresh();
+    RenderScheduler::Render draft() const;
     void showAnotherSource();
     void take(const RenderedPicture& picture);
     void putOnScreen(const RenderedPicture& picture);
@@ -61,6 +62,8 @@ private:
     RenderScheduler m_scheduler;
     ScreenPicture m_picture;
     CanvasZoom m_zoom;
+    double m_renderTime = 0; ///< milliseconds of the last finished one; 0 while that is not known
+    bool m_isFirstRender = true; ///< of this source; it reduces it too
     QString m_message;
     QString m_failure; ///< of the last render; shown in the message's place
     std::optional<QPointF> m_press; ///< where the left button went down, in view points

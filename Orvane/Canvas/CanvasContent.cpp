@@ -5,9 +5,37 @@
 #include "Pipeline.h"
 #include "TextLayers.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace orvane {
+
+namespace {
+
+/// Milliseconds. Below the first, a picture follows a drag well enough without a draft.
+constexpr double soonEnough = 120;
+constexpr double draftTime = 90;
+constexpr int smallestDraft = 640;
+/// Drafts differ by whole steps, so that the reduced source of one serves the next.
+constexpr int draftStep = 160;
+
+} // namespace
+
+std::optional<int> draftEdge(double milliseconds, double pictureEdge, double screenEdge)
+{
+    if (milliseconds <= soonEnough)
+        return {};
+    const double inTime = pictureEdge * std::sqrt(draftTime / milliseconds);
+    const int steps = int(std::min(inTime, screenEdge)) / draftStep;
+    const int edge = std::max(steps * draftStep, smallestDraft);
+    return edge < pictureEdge * 0.9 ? std::optional(edge) : std::nullopt;
+}
+
+CanvasContent draftOf(CanvasContent content, int edge)
+{
+    content.proxy = Geometry::resized(content.proxy, edge);
+    return content;
+}
 
 EditState uncropped(EditState state)
 {

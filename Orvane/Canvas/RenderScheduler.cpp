@@ -3,6 +3,7 @@
 #include <QtConcurrent>
 
 #include <algorithm>
+#include <utility>
 
 namespace orvane {
 
@@ -30,68 +31,101 @@ RenderScheduler::RenderScheduler(QThreadPool& pool, std::chrono::milliseconds de
 {
     m_debounce.setSingleShot(true);
     m_debounce.setInterval(debounce);
-    connect(&m_debounce, &QTimer::timeout, this, &RenderScheduler::start);
+    connect(&m_debounce, &QTimer::timeout, this, &RenderScheduler::proceed);
 }
 
 RenderScheduler::~RenderScheduler()
 {
-    cancelRunning();
+    cancel();
 }
 
-void RenderScheduler::request(const RenderKey& key, Render render, Start start)
+void RenderScheduler::request(const RenderKey& key, Render render, Start start, Render draft)
 {
     if (m_wanted == key)
         return;
-    cancelRunning();
+    // The draft in the making goes on when another follows it.
+    if (!draft || !m_isDrafting)
+        cancelRunning();
     m_wanted = key;
     const auto kept = std::find_if(m_kept.begin(), m_kept.end(),
                                    [&](const auto& entry) { return entry.first == key; });
     if (kept != m_kept.end()) {
         const RenderedPicture picture = kept->second;
         m_kept.erase(kept);
-        keep(key, picture);
-        Q_EMIT rendered(picture);
+        cancel();
+        finish(key, picture);
         return;
     }
-    m_pending = std::move(render);
+    m_draft = std::move(draft);
+    m_render = std::move(render);
     if (start == Start::AtOnce)
-        this->start();
+        m_debounce.stop();
     else
         m_debounce.start();
+    proceed();
 }
 
 void RenderScheduler::clear()
 {
-    cancelRunning();
+    cancel();
     m_wanted.reset();
     m_kept.clear();
 }
 
+void RenderScheduler::cancel()
+{
+    cancelRunning();
+    m_debounce.stop();
+    m_draft = {};
+    m_render = {};
+}
+
 void RenderScheduler::cancelRunning()
 {
-    m_debounce.stop();
-    m_pending = {};
     if (m_running)
         m_running->cancel();
     m_running.reset();
+    m_isDrafting = false;
 }
 
-void RenderScheduler::start()
+/// Starts what is next, when nothing runs: the draft, and once the pause is over the rest.
+void RenderScheduler::proceed()
+{
+    if (m_running)
+        return;
+    if (m_draft)
+        start(std::exchange(m_draft, {}), true);
+    else if (m_render && !m_debounce.isActive())
+        start(std::exchange(m_render, {}), false);
+}
+
+void RenderScheduler::start(const Render& render, bool isDraft)
 {
     const auto token = std::make_shared<CancellationToken>();
     m_running = token;
-    QtConcurrent::run(&m_pool, [render = std::move(m_pending), token] {
+    m_isDrafting = isDraft;
+    QtConcurrent::run(&m_pool, [render, token] {
         return renderedOrWhyNot(render, *token);
-    }).then(this, [this, token, key = *m_wanted](const RenderedPicture& picture) {
+    }).then(this, [this, token, isDraft, key = *m_wanted](const RenderedPicture& picture) {
         if (token->isCancelled())
             return;
         m_running.reset();
-        if (picture.picture.isNull())
-            m_wanted.reset();
-        else
-            keep(key, picture);
-        Q_EMIT rendered(picture);
+        m_isDrafting = false;
+        if (!isDraft)
+            finish(key, picture);
+        else if (!picture.picture.isNull())
+            Q_EMIT rendered(picture);
+        proceed();
     });
+}
+
+void RenderScheduler::finish(const RenderKey& key, const RenderedPicture& picture)
+{
+    if (picture.picture.isNull())
+        m_wanted.reset();
+    else
+        keep(key, picture);
+    Q_EMIT rendered(picture);
 }
 
 void RenderScheduler::keep(const RenderKey& key, const RenderedPicture& picture)

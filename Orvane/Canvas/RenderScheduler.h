@@ -24,11 +24,23 @@ struct RenderedPicture {
     CGSize frame = {}; ///< pixels of the finished picture, which a stand-in is stretched to
     CGRect crop = {0, 0, 1, 1}; ///< what it shows of the whole frame
     const char* failure = ""; ///< one sentence, when there is no picture for a reason to tell
+    double milliseconds = 0; ///< that drawing took
+    bool isDraft = false; ///< smaller than it should be; the finished one follows
 };
 
-/// Decides which renders run. Only the newest request counts: a new one cancels what runs, and the
-/// result of a cancelled render is never shown. Lives on the main thread; renders run in the pool,
-/// which the owner empties before the functions' captures go.
+/// Decides which renders run; one does at a time. Only the newest request counts: a new one cancels
+/// the finished picture in the making, and the result of a cancelled render is never shown.
+///
+/// A request may bring a draft, a quicker render of the same. It starts without the pause, so that
+/// a drag gives a live picture; while one is drawn, only the newest waits. A draft may be shown
+/// although the drag has gone on, since otherwise none would ever be: what follows it is newer.
+///
+///     request   r1 r2  r3 r4
+///     drafts    [ r1 ][ r2 ][ r4 ]
+///     finished                  pause -> [   r4   ]
+///
+/// Lives on the main thread; renders run in the pool, which the owner empties before the functions'
+/// captures go.
 class RenderScheduler final : public QObject {
     Q_OBJECT
 
@@ -42,9 +54,10 @@ public:
     RenderScheduler(QThreadPool& pool, std::chrono::milliseconds debounce);
     ~RenderScheduler() override;
 
-    /// Nothing happens when the key is the present one. The last few pictures are kept: one of
-    /// these comes back at once, without a render. One that failed is rendered when asked again.
-    void request(const RenderKey& key, Render render, Start start);
+    /// Nothing happens when the key is the present one. The last few finished pictures are kept:
+    /// one of these comes back at once, without a render. One that failed is rendered when asked
+    /// again. Without a draft, what was drafted for others is dropped.
+    void request(const RenderKey& key, Render render, Start start, Render draft = {});
     /// Cancels what runs and forgets the kept pictures.
     void clear();
 
@@ -52,15 +65,20 @@ Q_SIGNALS:
     void rendered(const orvane::RenderedPicture& picture);
 
 private:
+    void cancel();
     void cancelRunning();
-    void start();
+    void proceed();
+    void start(const Render& render, bool isDraft);
+    void finish(const RenderKey& key, const RenderedPicture& picture);
     void keep(const RenderKey& key, const RenderedPicture& picture);
 
     QThreadPool& m_pool;
     QTimer m_debounce;
     std::optional<RenderKey> m_wanted;
-    Render m_pending;
-    std::shared_ptr<CancellationToken> m_running;
+    Render m_draft; ///< that waits; empty when none does
+    Render m_render; ///< that waits; empty when none does
+    std::shared_ptr<CancellationToken> m_running; ///< null when none does
+    bool m_isDrafting = false; ///< what runs is a draft
     std::deque<std::pair<RenderKey, RenderedPicture>> m_kept; ///< newest first
 };
 

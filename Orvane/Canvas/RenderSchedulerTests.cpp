@@ -111,6 +111,67 @@ TEST_F(RenderSchedulerTest, APictureShownBeforeComesBackWithoutARender)
     EXPECT_EQ(started, 3) << "forgotten with the picture they came from";
 }
 
+/// Drafts have numbers from 101 on.
+TEST_F(RenderSchedulerTest, DraftsFollowADragOneAtATimeAndTheFinishedPictureFollowsThem)
+{
+    QSemaphore running;
+    QSemaphore mayEnd;
+    const auto held = [&](int number) {
+        return [&, number](const CancellationToken&) {
+            running.release();
+            mayEnd.acquire();
+            return pictureOf(number);
+        };
+    };
+    scheduler.request(key(1), counted(1), Start::Debounced, held(101));
+    running.acquire(); // without the pause
+    scheduler.request(key(2), counted(2), Start::Debounced, counted(102));
+    scheduler.request(key(3), counted(3), Start::Debounced, counted(103));
+    mayEnd.release();
+    waitUntilShown(3);
+    EXPECT_EQ(shown, (std::vector{101, 103, 3})) << "the newest after the one in the making";
+    EXPECT_EQ(started, 2);
+
+    // The finished picture in the making gives way to the next drag's draft.
+    scheduler.request(key(4), held(4), Start::AtOnce);
+    running.acquire();
+    scheduler.request(key(5), counted(5), Start::Debounced, counted(105));
+    waitUntilShown(5);
+    mayEnd.release();
+    EXPECT_EQ(shown, (std::vector{101, 103, 3, 105, 5}));
+
+    // What needs no draft is not kept waiting by one, nor overtaken.
+    scheduler.request(key(6), counted(6), Start::Debounced, held(106));
+    running.acquire();
+    scheduler.request(key(3), counted(9), Start::Debounced, counted(109));
+    EXPECT_EQ(shown.back(), 3) << "kept";
+    mayEnd.release();
+    pool.waitForDone();
+    scheduler.request(key(7), counted(7), Start::AtOnce);
+    waitUntilShown(7);
+    EXPECT_EQ(shown, (std::vector{101, 103, 3, 105, 5, 3, 7}));
+}
+
+TEST(DraftEdge, IsAsLargeAsTheTimeAllows)
+{
+    struct Row {
+        double milliseconds;
+        double picture;
+        double screen;
+        std::optional<int> edge;
+    };
+    const Row rows[] = {
+        {0, 2560, 1600, {}}, // not known yet
+        {120, 2560, 1600, {}},   {360, 2560, 3840, 1280}, // a quarter of the pixels
+        {360, 2560, 900, 800}, // no more than is seen, in steps
+        {1400, 2560, 1600, 640}, {60000, 2560, 1600, 640}, {130, 2560, 300, 640},
+        {130, 2560, 3840, 2080}, {500, 700, 1600, {}}, // hardly smaller
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(draftEdge(row.milliseconds, row.picture, row.screen), row.edge)
+            << row.milliseconds << " ms, " << row.picture << ", " << row.screen;
+}
+
 TEST_F(RenderSchedulerTest, AFailedRenderIsToldAndDoneAnewWhenAskedAgain)
 {
     scheduler.request(

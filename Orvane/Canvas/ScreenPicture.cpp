@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace orvane {
@@ -34,6 +35,30 @@ bool isWorthFitting(const QSize& picture, const QSize& target, const QSize& view
         || (isWithin(target, view) && target.width() < squaresFrom * picture.width());
 }
 
+/// `frame`: pixels of the finished picture, whatever the content's proxy.
+RenderedPicture rendered(const CanvasContent& content, const CGSize& frame, CanvasView view,
+                         double pixelRatio, const CancellationToken& cancellation)
+{
+    const auto start = std::chrono::steady_clock::now();
+    auto drawn = Baker::cgImage(picture(content),
+                                {.cancellation = &cancellation, .keepIntermediates = true});
+    if (!drawn)
+        return {};
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+    RenderedPicture result{.picture =
+                               withoutCopy(std::make_shared<const CGImage>(std::move(*drawn))),
+                           .frame = frame,
+                           .crop = content.state.crop,
+                           .milliseconds = took.count()};
+    view.frame = frame;
+    const QSize size = deviceSize(view, pixelRatio);
+    const QSize whole =
+        QSizeF(view.size.width * pixelRatio, view.size.height * pixelRatio).toSize();
+    if (isWorthFitting(result.picture.size(), size, whole) && !cancellation.isCancelled())
+        result.fitted = fittedTo(size, result.picture);
+    return result;
+}
+
 } // namespace
 
 QImage withoutCopy(std::shared_ptr<const CGImage> drawn)
@@ -54,21 +79,16 @@ QImage withoutCopy(std::shared_ptr<const CGImage> drawn)
 RenderedPicture renderedForScreen(const CanvasContent& content, const CanvasView& view,
                                   double pixelRatio, const CancellationToken& cancellation)
 {
-    auto drawn = Baker::cgImage(picture(content),
-                                {.cancellation = &cancellation, .keepIntermediates = true});
-    if (!drawn)
-        return {};
-    RenderedPicture result{.picture =
-                               withoutCopy(std::make_shared<const CGImage>(std::move(*drawn)))};
-    result.frame = {double(result.picture.width()), double(result.picture.height())};
-    CanvasView shown = view;
-    shown.frame = result.frame;
-    const QSize size = deviceSize(shown, pixelRatio);
-    const QSize whole =
-        QSizeF(view.size.width * pixelRatio, view.size.height * pixelRatio).toSize();
-    if (isWorthFitting(result.picture.size(), size, whole) && !cancellation.isCancelled())
-        result.fitted = fittedTo(size, result.picture);
-    return result;
+    return rendered(content, pictureSize(content), view, pixelRatio, cancellation);
+}
+
+RenderedPicture draftedForScreen(const CanvasContent& content, int edge, const CanvasView& view,
+                                 double pixelRatio, const CancellationToken& cancellation)
+{
+    RenderedPicture draft =
+        rendered(draftOf(content, edge), pictureSize(content), view, pixelRatio, cancellation);
+    draft.isDraft = true;
+    return draft;
 }
 
 QSize deviceSize(const CanvasView& view, double pixelRatio)

@@ -2,12 +2,19 @@
 
 #include "FileIcons.h"
 #include "Icon.h"
+#include "Theme.h"
 
 #include <QAction>
 #include <QDir>
+#include <QHeaderView>
+#include <QListView>
 #include <QShortcut>
+#include <QSplitter>
 #include <QStandardPaths>
 #include <QToolButton>
+#include <QTreeView>
+
+#include <algorithm>
 
 namespace orvane {
 
@@ -37,6 +44,19 @@ QList<QUrl> places()
     return found;
 }
 
+constexpr int sideWidth = 170;
+constexpr int columnWidths[] = {0, 90, 110, 170}; ///< name (what is left), size, kind, date
+
+QString looks()
+{
+    return QString("QHeaderView { background: %1; }"
+                   "QHeaderView::section { background: %1; border: 0; padding: 4px 6px; }"
+                   "QTreeView::item { height: 24px; }"
+                   "QListView#sidebar::item { height: 26px; }"
+                   "QSplitter::handle { image: none; }")
+        .arg(Theme::section.name());
+}
+
 } // namespace
 
 FileDialog::FileDialog(QWidget* over, const QString& title, FileIcons& icons)
@@ -49,13 +69,16 @@ FileDialog::FileDialog(QWidget* over, const QString& title, FileIcons& icons)
     setIconProvider(&icons);
     setSidebarUrls(places());
     setViewMode(Detail);
+    resize(860, 540);
     dress();
     forbidChanges();
-    resize(860, 540);
 }
 
+/// The dialog's parts by the names that the toolkit gives them; one that is missing in another
+/// version only keeps its own looks.
 void FileDialog::dress()
 {
+    setStyleSheet(looks());
     const std::pair<const char*, std::string_view> icons[] = {
         {"backButton", "arrow-left"},      {"forwardButton", "arrow-right"},
         {"toParentButton", "arrow-up"},    {"newFolderButton", "folder-plus"},
@@ -64,6 +87,17 @@ void FileDialog::dress()
     for (const auto& [name, picture] : icons) {
         if (auto* button = findChild<QToolButton*>(name))
             button->setIcon(icon(picture));
+    }
+    if (auto* splitter = findChild<QSplitter*>("splitter"))
+        splitter->setSizes({sideWidth, width() - sideWidth});
+    if (auto* side = findChild<QListView*>("sidebar"))
+        side->setIconSize(QSize(16, 16));
+    if (auto* table = findChild<QTreeView*>("treeView")) {
+        QHeaderView* const header = table->header();
+        header->setStretchLastSection(false);
+        header->setSectionResizeMode(0, QHeaderView::Stretch);
+        for (int column = 1; column < header->count(); ++column)
+            header->resizeSection(column, columnWidths[std::min(column, 3)]);
     }
 }
 

@@ -5,11 +5,14 @@
 
 #include <QWidget>
 
+#include <memory>
+
 namespace orvane {
 
+class HueRow;
 class ModelSlider;
 
-/// The sliders of one group of the catalogue.
+/// The sliders of one group of the catalogue; with those of colour stands the white balance picker.
 class AdjustSection final : public QWidget {
     Q_OBJECT
 
@@ -17,10 +20,14 @@ public:
     AdjustSection(AppModel& model, const AppModel::AdjustGroup& group, QWidget* parent);
 
 private:
+    QWidget* makeWhiteBalance();
     void refresh();
 
+    AppModel& m_model;
     std::vector<ModelSlider*> m_rows;
+    std::vector<HueRow*> m_hues;
     FieldWatch m_watch;
+    std::unique_ptr<FieldWatch> m_pickWatch; ///< of the white balance button
 };
 
 /// The value of a slider of the catalogue, which rests where it has none.

@@ -67,6 +67,9 @@ CurveEditor::CurveEditor(QWidget* parent)
     connect(m_picker, &SegmentedPicker::picked, this, &CurveEditor::showChannel);
     connect(m_plot, &CurvePlot::selectionChanged, this, &CurveEditor::showPoint);
     connect(m_plot, &CurvePlot::pointsEdited, this, &CurveEditor::takeEdit);
+    connect(m_plot, &CurvePlot::editingChanged, this, &CurveEditor::editingChanged);
+    connect(m_input, &SliderRow::editingChanged, this, &CurveEditor::editingChanged);
+    connect(m_output, &SliderRow::editingChanged, this, &CurveEditor::editingChanged);
     connect(m_input, &SliderRow::valueChanged, this,
             [this](double x) { movePointTo(x, m_plot->points()[m_plot->selected()].y); });
     connect(m_output, &SliderRow::valueChanged, this,

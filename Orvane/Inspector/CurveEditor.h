@@ -43,6 +43,8 @@ public:
 
 Q_SIGNALS:
     void curveEdited(const QString& channel, const CurveEditing::Points& points);
+    /// As SliderRow's: from press to release, and round a typed number.
+    void editingChanged(bool isEditing);
 
 private:
     void showChannel();

@@ -145,6 +145,7 @@ void CurvePlot::mousePressEvent(QMouseEvent* event)
         return;
     const QPointF position = inPlot(event->position());
     const double side = plot().width();
+    Q_EMIT editingChanged(true);
     size_t held = 0;
     if (const auto near = CurveEditing::pointNear(m_points, position, side)) {
         held = *near;
@@ -184,6 +185,7 @@ void CurvePlot::mouseReleaseEvent(QMouseEvent* event)
     if (CurveEditing::isThrownAway(inPlot(event->position()), plot().width()))
         removePoint(held);
     update();
+    Q_EMIT editingChanged(false);
 }
 
 void CurvePlot::leaveEvent(QEvent*)

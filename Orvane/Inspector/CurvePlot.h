@@ -38,6 +38,8 @@ public:
 Q_SIGNALS:
     void pointsEdited(const CurveEditing::Points& points);
     void selectionChanged(size_t index);
+    /// A drag from press to release.
+    void editingChanged(bool isEditing);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

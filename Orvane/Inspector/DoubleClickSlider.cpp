@@ -178,6 +178,7 @@ void DoubleClickSlider::wheelEvent(QWheelEvent* event)
         event->ignore();
         return;
     }
+    event->accept();
     // A touchpad sends small parts of a notch.
     m_turned += turned / notch;
     const double whole = std::trunc(m_turned);

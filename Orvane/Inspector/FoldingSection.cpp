@@ -91,7 +91,7 @@ void FoldingSection::makeContent()
     // Tab goes from the header into what came after the rest of the window was there.
     QWidget* before = m_reset;
     for (QWidget* child : m_content->findChildren<QWidget*>()) {
-        if (child->focusPolicy() & Qt::TabFocus) {
+        if (child->focusPolicy() != Qt::NoFocus && child->window() == window()) {
             setTabOrder(before, child);
             before = child;
         }

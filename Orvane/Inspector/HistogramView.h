@@ -15,7 +15,7 @@ public:
 
     /// An empty one shows that there is no picture.
     void setHistogram(const Histogram& histogram);
-    QSize sizeHint() const override { return {280, 148}; }
+    QSize sizeHint() const override { return {260, 150}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -1,6 +1,10 @@
 #include "InspectorLayout.h"
 
 #include "AdjustSection.h"
+#include "CanvasSection.h"
+#include "ColorMixerSection.h"
+#include "CropSection.h"
+#include "ToneSections.h"
 
 #include <algorithm>
 
@@ -33,16 +37,42 @@ constexpr std::string_view headings[] = {"Frame", "Style", "Light & Colour", "De
 /// Stands in the table for the catalogue's groups of a heading.
 constexpr Make groups = nullptr;
 
+bool areLevelsEdited(const AppModel& model)
+{
+    return model.levels() != AppModel::Levels();
+}
+
+bool isMixerEdited(const AppModel& model)
+{
+    return isEdited(model, ColorMixerSection::keys(model.schema));
+}
+
 /// The panel, top to bottom within each heading.
-constexpr struct Row {
+const struct Row {
     std::string_view heading;
     const char* name;
     Make make;
-    /// A row that follows one group of the catalogue instead of standing where it is.
-    std::string_view after = {};
+    std::string_view after = {}; ///< a group that it follows, in place of standing where it is
+    bool (*isEdited)(const AppModel&) = nullptr;
+    std::function<void(AppModel&)> reset = {};
 } rows[] = {
-    {"Frame", "", groups},  {"Style", "", groups},        {"Light & Colour", "", groups},
-    {"Detail", "", groups}, {"On the Image", "", groups},
+    {"Frame", "Crop", make<CropSection>},
+    {"Frame", "Canvas", make<CanvasSection>},
+    {"Frame", "", groups},
+    {"Style", "", groups},
+    {"Light & Colour", "", groups},
+    {"Light & Colour", "Curves", make<CurvesSection>, "Color", CurvesSection::isEdited,
+     [](AppModel& model) { model.clearCurves(); }},
+    {"Light & Colour", "Levels", make<LevelsSection>, "Color", areLevelsEdited,
+     [](AppModel& model) { model.resetLevels(); }},
+    {"Light & Colour",
+     "Color Mixer",
+     make<ColorMixerSection>,
+     {},
+     isMixerEdited,
+     [](AppModel& model) { model.resetGroup(ColorMixerSection::keys(model.schema)); }},
+    {"Detail", "", groups},
+    {"On the Image", "", groups},
 };
 
 QString titled(std::string_view text)
@@ -70,7 +100,7 @@ InspectorSection groupSection(const Group& group)
 
 InspectorSection fixedSection(const Row& row)
 {
-    return {.name = row.name, .make = row.make};
+    return {.name = row.name, .make = row.make, .isEdited = row.isEdited, .reset = row.reset};
 }
 
 void appendGroups(std::vector<InspectorSection>& sections, std::string_view heading,
@@ -96,6 +126,7 @@ bool isMixerGroup(const Group& group)
 
 std::vector<InspectorHeading> inspectorLayout(const std::vector<Group>& catalogue)
 {
+    const auto mixer = ColorMixerSection::keys(catalogue);
     std::vector<InspectorHeading> layout;
     for (const std::string_view heading : headings) {
         layout.push_back({.title = titled(heading)});
@@ -104,7 +135,7 @@ std::vector<InspectorHeading> inspectorLayout(const std::vector<Group>& catalogu
                 continue;
             if (row.make == groups)
                 appendGroups(layout.back().sections, heading, catalogue);
-            else
+            else if (row.make != &make<ColorMixerSection> || !mixer.empty())
                 layout.back().sections.push_back(fixedSection(row));
         }
     }

@@ -146,6 +146,7 @@ void LevelsPlot::mousePressEvent(QMouseEvent* event)
     m_grab = event->position().x() - stopCentre(*m_dragging).x();
     handle(*m_dragging).setFocus(Qt::MouseFocusReason);
     update();
+    Q_EMIT editingChanged(true);
 }
 
 void LevelsPlot::mouseMoveEvent(QMouseEvent* event)
@@ -161,8 +162,10 @@ void LevelsPlot::mouseMoveEvent(QMouseEvent* event)
 
 void LevelsPlot::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton)
-        m_dragging.reset();
+    if (event->button() != Qt::LeftButton || !m_dragging)
+        return;
+    m_dragging.reset();
+    Q_EMIT editingChanged(false);
 }
 
 void LevelsPlot::leaveEvent(QEvent*)

@@ -32,6 +32,8 @@ public:
 
 Q_SIGNALS:
     void edited(const QString& key, double value);
+    /// A drag from press to release.
+    void editingChanged(bool isEditing);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

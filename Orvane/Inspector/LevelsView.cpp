@@ -34,6 +34,7 @@ LevelsView::LevelsView(QWidget* parent)
     grid->addWidget(m_blackOut, 2, 1);
     grid->addWidget(m_whiteOut, 3, 1);
 
+    connect(m_plot, &LevelsPlot::editingChanged, this, &LevelsView::editingChanged);
     connect(m_plot, &LevelsPlot::edited, this, [this](const QString& key, double value) {
         m_levels = m_plot->levels();
         showLevels();
@@ -47,6 +48,7 @@ SliderRow* LevelsView::makeOutputRow(const QString& name, const char* key, doubl
     auto* row =
         new SliderRow(name, {.minimum = 0, .maximum = 255, .rest = Levels().*field, .step = 1});
     row->hideLabel();
+    connect(row, &SliderRow::editingChanged, this, &LevelsView::editingChanged);
     connect(row, &SliderRow::valueChanged, this, [this, key, field](double value) {
         m_levels.*field = value;
         m_plot->setLevels(m_levels);

@@ -39,6 +39,8 @@ public:
 
 Q_SIGNALS:
     void levelEdited(const QString& key, double value);
+    /// As SliderRow's: from press to release, and round a typed number.
+    void editingChanged(bool isEditing);
 
 private:
     SliderRow* makeOutputRow(const QString& name, const char* key, double Levels::*field);

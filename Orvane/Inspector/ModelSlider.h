@@ -1,10 +1,9 @@
 #pragma once
 
-#include "AppModel.h"
+#include "OneStep.h"
 #include "SliderRow.h"
 
 #include <functional>
-#include <optional>
 
 namespace orvane {
 
@@ -27,17 +26,8 @@ public:
     void refresh();
 
 private:
-    /// Where an edit of several changes began.
-    struct Start {
-        std::string image;
-        History<EditState> history;
-    };
-    void beginEdit();
-    void endEdit();
-
-    AppModel& m_model;
     Binding m_binding;
-    std::optional<Start> m_start;
+    OneStep m_step;
 };
 
 } // namespace orvane

@@ -1,6 +1,8 @@
 #include "NativeInspector.h"
 
 #include "FoldingSection.h"
+#include "HistorySection.h"
+#include "NameDialog.h"
 #include "Theme.h"
 
 #include <QLabel>
@@ -42,6 +44,9 @@ NativeInspector::NativeInspector(AppModel& model, QWidget* parent)
     m_column->setSpacing(0);
     for (const InspectorHeading& heading : inspectorLayout(model.schema))
         addHeading(heading);
+    m_history = addSection({.name = tr("History"), .make = [](AppModel& m, QWidget* p) {
+                                return new HistorySection(m, p);
+                            }});
     m_column->addStretch(1);
 
     m_scroll->setWidget(content);
@@ -54,7 +59,7 @@ NativeInspector::NativeInspector(AppModel& model, QWidget* parent)
     frame->setContentsMargins(0, 0, 0, 0);
     frame->addWidget(m_scroll);
 
-    m_watch.watch(model.session, model.adjust, model.curve);
+    m_watch.watch(model.session, model.adjust, model.curve, model.history);
     refresh();
 }
 
@@ -84,7 +89,7 @@ void NativeInspector::addHeading(const InspectorHeading& heading)
     showHeadings();
 }
 
-void NativeInspector::addSection(const InspectorSection& section)
+FoldingSection* NativeInspector::addSection(const InspectorSection& section)
 {
     auto* widget = new FoldingSection(
         section.name, [this, make = section.make](QWidget* p) { return make(m_model, p); },
@@ -97,6 +102,7 @@ void NativeInspector::addSection(const InspectorSection& section)
         if (reset)
             reset(m_model);
     });
+    return widget;
 }
 
 // ---- Folding ----
@@ -148,8 +154,34 @@ void NativeInspector::showHeadings()
     }
 }
 
+void NativeInspector::askForName()
+{
+    auto* dialog = new NameDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &NameDialog::named, this,
+            [this](const QString& name) { m_model.saveLook(name.toStdString()); });
+    dialog->open();
+}
+
+bool NativeInspector::focusNextPrevChild(bool next)
+{
+    // Controls that were made since come last in the window's order; those in the panel follow its
+    // own, which is that of its tree.
+    QWidget* before = nullptr;
+    for (QWidget* child : findChildren<QWidget*>()) {
+        if (child->focusPolicy() == Qt::NoFocus || child->window() != window())
+            continue;
+        if (before)
+            setTabOrder(before, child);
+        before = child;
+    }
+    return QWidget::focusNextPrevChild(next);
+}
+
 void NativeInspector::refresh()
 {
+    const auto& history = m_model.history.value();
+    m_history->setVisible(history.undoStack().size() + history.redoStack().size() > 1);
     m_scroll->widget()->setVisible(!m_model.session.value().empty());
     for (const Shown& shown : m_sections) {
         if (shown.section.isEdited)

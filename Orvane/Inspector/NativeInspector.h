@@ -33,6 +33,9 @@ public:
     /// Null for a name that there is not.
     FoldingSection* section(const QString& name) const;
 
+protected:
+    bool focusNextPrevChild(bool next) override;
+
 private:
     struct Shown {
         InspectorSection section;
@@ -44,11 +47,12 @@ private:
         QPushButton* button;
     };
     void addHeading(const InspectorHeading& heading);
-    void addSection(const InspectorSection& section);
+    FoldingSection* addSection(const InspectorSection& section);
     void takeExpanded(const QString& name, bool isExpanded);
     bool isAllExpanded(const Heading& heading) const;
     void toggleAll(const Heading& heading);
     void showHeadings();
+    void askForName();
     void refresh();
 
     AppModel& m_model;
@@ -57,6 +61,7 @@ private:
     QVBoxLayout* m_column;
     std::vector<Heading> m_headings;
     std::vector<Shown> m_sections;
+    FoldingSection* m_history = nullptr; ///< absent while there is nothing to go back to
     FieldWatch m_watch;
 };
 

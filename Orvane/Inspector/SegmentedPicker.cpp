@@ -3,8 +3,10 @@
 #include "Theme.h"
 
 #include <QButtonGroup>
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace orvane {
 
@@ -23,16 +25,17 @@ QString look()
 
 } // namespace
 
-SegmentedPicker::SegmentedPicker(const QString& name, Choices choices, QWidget* parent)
+SegmentedPicker::SegmentedPicker(const QString& name, Choices choices, int columns, QWidget* parent)
     : QWidget(parent)
     , m_choices(std::move(choices))
     , m_group(new QButtonGroup(this))
 {
     setAccessibleName(name);
     setStyleSheet(look());
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(2);
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(2);
+    const int width = columns > 0 ? columns : std::max(1, int(m_choices.size()));
     for (int i = 0; i < int(m_choices.size()); ++i) {
         auto* button = new QPushButton(m_choices[size_t(i)].second);
         button->setCheckable(true);
@@ -40,7 +43,8 @@ SegmentedPicker::SegmentedPicker(const QString& name, Choices choices, QWidget* 
         button->setFixedHeight(24);
         button->setAccessibleName(tr("%1: %2").arg(name, button->text()));
         m_group->addButton(button, i);
-        row->addWidget(button, 1);
+        grid->addWidget(button, i / width, i % width);
+        grid->setColumnStretch(i % width, 1);
     }
     connect(m_group, &QButtonGroup::idToggled, this, [this](int id, bool isOn) {
         if (isOn)
@@ -50,16 +54,19 @@ SegmentedPicker::SegmentedPicker(const QString& name, Choices choices, QWidget* 
 
 QString SegmentedPicker::chosen() const
 {
-    return m_choices[size_t(m_group->checkedId())].first;
+    const int id = m_group->checkedId();
+    return id < 0 ? QString() : m_choices[size_t(id)].first;
 }
 
 void SegmentedPicker::choose(const QString& key)
 {
+    if (key == chosen())
+        return;
     const QSignalBlocker silently(m_group);
-    for (int i = 0; i < int(m_choices.size()); ++i) {
-        if (m_choices[size_t(i)].first == key)
-            m_group->button(i)->setChecked(true);
-    }
+    m_group->setExclusive(false);
+    for (int i = 0; i < int(m_choices.size()); ++i)
+        m_group->button(i)->setChecked(m_choices[size_t(i)].first == key);
+    m_group->setExclusive(true);
 }
 
 } // namespace orvane

@@ -17,11 +17,13 @@ class SegmentedPicker final : public QWidget {
 public:
     /// Keys with their labels; the first is chosen.
     using Choices = std::vector<std::pair<QString, QString>>;
-    /// `name` is for screen readers.
-    SegmentedPicker(const QString& name, Choices choices, QWidget* parent = nullptr);
+    /// `name` is for screen readers. Many choices take several lines of so many `columns` each; 0
+    /// puts them all into one.
+    SegmentedPicker(const QString& name, Choices choices, int columns = 0,
+                    QWidget* parent = nullptr);
 
     QString chosen() const;
-    /// Without a signal; an unknown key changes nothing.
+    /// Without a signal; for an unknown key none is chosen.
     void choose(const QString& key);
 
 Q_SIGNALS:

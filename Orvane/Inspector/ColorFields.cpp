@@ -22,13 +22,13 @@ constexpr double fineStep = 0.01;
 constexpr int degrees = 359; ///< the last one: 360 would be the first again
 
 /// A white ring in a dark one, to be seen on every colour.
-void drawMark(QPainter& painter, const QPointF& centre, const QColor& color, bool hasFocus)
+void drawMark(QPainter& painter, const QPointF& centre, const QColor& color)
 {
     painter.setPen(QPen(QColor(0, 0, 0, 150), 1));
     painter.setBrush(color);
     painter.drawEllipse(centre, ring, ring);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(hasFocus ? Theme::accent : QColor(0xec, 0xec, 0xec), 2));
+    painter.setPen(QPen(QColor(0xec, 0xec, 0xec), 2));
     painter.drawEllipse(centre, ring - 1.5, ring - 1.5);
 }
 
@@ -114,7 +114,7 @@ void ShadeField::paintEvent(QPaintEvent*)
     drawMark(painter,
              {area.left() + m_color.saturation * area.width(),
               area.bottom() - m_color.brightness * area.height()},
-             m_color.color(), hasFocus());
+             m_color.color());
 }
 
 void ShadeField::moveTo(const QPointF& point)
@@ -194,8 +194,7 @@ void HueBar::paintEvent(QPaintEvent*)
     if (hasFocus())
         drawFocus(painter, bar);
     const double fraction = double(value()) / degrees;
-    drawMark(painter, {bar.left() + fraction * bar.width(), bar.center().y()}, pureHue(fraction),
-             hasFocus());
+    drawMark(painter, {bar.left() + fraction * bar.width(), bar.center().y()}, pureHue(fraction));
 }
 
 void HueBar::moveTo(double x)

@@ -54,7 +54,9 @@ QFont fontOfFamily(const QString& family, int pixelSize)
     auto known = isLatin.find(family);
     if (known == isLatin.end()) {
         const auto systems = QFontDatabase::writingSystems(family);
-        known = isLatin.insert(family, systems.contains(QFontDatabase::Latin));
+        known = isLatin.insert(family,
+                               systems.contains(QFontDatabase::Latin)
+                                   && !systems.contains(QFontDatabase::Symbol));
     }
     if (*known)
         font.setFamilies({family});

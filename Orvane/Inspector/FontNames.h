@@ -22,7 +22,7 @@ public:
 };
 
 /// What the name of a family is written in: the family itself, if it has Latin letters, so that the
-/// name of a font of symbols can be read as well. `pixelSize` as QFont has it.
+/// name of a font of signs can be read as well. `pixelSize` as QFont has it.
 QFont fontOfFamily(const QString& family, int pixelSize);
 
 } // namespace orvane

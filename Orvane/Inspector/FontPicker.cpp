@@ -26,6 +26,19 @@ constexpr int sampleSize = 15; ///< pixels, in the list
 constexpr int gap = 4; ///< between the picker and its list
 constexpr int inset = 8;
 
+QString listLook()
+{
+    return QString("QListView { background: %1; }"
+                   "QScrollBar:vertical { background: transparent; width: 8px; margin: 0; }"
+                   "QScrollBar::handle:vertical { background: %2; border-radius: 3px;"
+                   " margin: 1px; min-height: 28px; }"
+                   "QScrollBar::handle:vertical:hover { background: %3; }"
+                   "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                   "QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }")
+        .arg(Theme::section.name(), QColor(0x56, 0x56, 0x56).name(),
+             QColor(0x70, 0x70, 0x70).name());
+}
+
 /// Draws the rows in sight and measures none, so that hundreds of fonts open at once.
 class FamilyDelegate final : public QStyledItemDelegate {
 public:
@@ -85,7 +98,7 @@ FontPopover::FontPopover(const QString& name, const QString& family, QWidget* pa
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setAccessibleName(name);
-    m_list->setStyleSheet(QString("QListView { background: %1; }").arg(Theme::section.name()));
+    m_list->setStyleSheet(listLook());
     m_list->setFixedHeight(rowHeight * std::min(visibleRows, m_families->rowCount()));
     m_list->installEventFilter(this);
 

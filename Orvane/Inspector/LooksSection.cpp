@@ -28,6 +28,16 @@ bool isWorn(const AppModel& model, const Looks::Look& look)
     });
 }
 
+/// Every slider of the catalogue, at rest where nothing is said of it.
+AppModel::AdjustMap completed(AppModel::AdjustMap adjust)
+{
+    for (const AppModel::AdjustGroup& group : Schema::groups()) {
+        for (const AppModel::AdjustKey& key : group.keys)
+            adjust.try_emplace(key.key, key.def);
+    }
+    return adjust;
+}
+
 /// Before the first fitting there are no recipes yet; which looks there will be is known.
 std::vector<LookItem> itemsOf(const AppModel& model)
 {
@@ -110,13 +120,14 @@ void LooksSection::showGrid()
 void LooksSection::showSaved()
 {
     std::vector<RowList::Row> rows;
+    const auto grade = completed(m_model.adjust);
     for (const SavedLook& look : m_model.savedLookEntries.value()) {
         const QString name = QString::fromStdString(look.name);
-        rows.push_back({.id = look.id,
-                        .text = name,
-                        .removeHelp = tr("Remove %1").arg(name),
-                        .isCurrent = look.adjust == m_model.adjust.value()
-                            && look.curve == m_model.curve.value()});
+        rows.push_back(
+            {.id = look.id,
+             .text = name,
+             .removeHelp = tr("Remove %1").arg(name),
+             .isCurrent = completed(look.adjust) == grade && look.curve == m_model.curve.value()});
     }
     m_saved->show(rows);
 }

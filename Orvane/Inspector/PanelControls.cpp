@@ -13,6 +13,9 @@ namespace orvane {
 namespace {
 
 constexpr int pictureSize = 16;
+constexpr int pictureGap = 7; ///< to the word
+constexpr int sidePadding = 8;
+constexpr int buttonHeight = 28;
 constexpr int labelWidth = 84;
 constexpr double switchWidth = 30;
 constexpr double switchHeight = 16;
@@ -36,10 +39,40 @@ PanelButton::PanelButton(std::string_view iconName, const QString& text, const Q
 {
     setAccessibleName(text);
     setToolTip(help);
-    setIconSize({pictureSize, pictureSize});
-    setStyleSheet(QString("QPushButton { padding: 5px 6px; }"
-                          "QPushButton:checked { background: %1; border-color: %2; }")
-                      .arg(Theme::hover.name(), Theme::accent.name()));
+    setAttribute(Qt::WA_Hover);
+}
+
+QSize PanelButton::sizeHint() const
+{
+    const int word = fontMetrics().horizontalAdvance(text());
+    return {pictureSize + pictureGap + word + 2 * sidePadding, buttonHeight};
+}
+
+QSize PanelButton::minimumSizeHint() const
+{
+    return sizeHint();
+}
+
+void PanelButton::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const bool isArmed = isCheckable() && isChecked();
+    painter.setPen(QPen(hasFocus() || isArmed ? Theme::accent : Theme::border, 1));
+    if (isDown())
+        painter.setBrush(Theme::section);
+    else
+        painter.setBrush(isEnabled() && (underMouse() || isArmed) ? Theme::hover : Theme::raised);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::radius,
+                            Theme::radius);
+
+    const double word = fontMetrics().horizontalAdvance(text());
+    const double left = (width() - pictureSize - pictureGap - word) / 2;
+    drawIcon(painter, icon(), {left + pictureSize / 2.0, height() / 2.0}, pictureSize,
+             isEnabled() ? QIcon::Normal : QIcon::Disabled);
+    painter.setPen(isEnabled() ? Theme::text : Theme::disabledText);
+    painter.drawText(QRectF(left + pictureSize + pictureGap, 0, word + 2, height()),
+                     Qt::AlignVCenter | Qt::AlignLeft, text());
 }
 
 GlyphButton::GlyphButton(const QIcon& icon, const QString& help, QWidget* parent)

@@ -23,6 +23,11 @@ public:
     /// `help` is the tooltip; empty means none.
     PanelButton(std::string_view icon, const QString& text, const QString& help = {},
                 QWidget* parent = nullptr);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
 };
 
 /// A small bare button with nothing but a picture. `help` is also its name for screen readers.

@@ -22,6 +22,7 @@ RetouchSection::RetouchSection(AppModel& model, QWidget* parent)
     , m_watch([this] { refresh(); })
 {
     m_heal->setCheckable(true);
+    m_count->setObjectName("healed");
     Theme::makeSecondary(*m_count);
     auto* undo = new PanelButton("undo-2", tr("Undo Last"));
     auto* clear = new PanelButton("trash-2", tr("Clear"));

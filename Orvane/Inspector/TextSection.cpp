@@ -23,6 +23,20 @@ namespace {
 constexpr int textLines = 3;
 constexpr double percent = 100;
 
+/// A field of a few lines, which Tab leaves.
+class CaptionField final : public QPlainTextEdit {
+public:
+    CaptionField()
+    {
+        setTabChangesFocus(true);
+        setFixedHeight(minimumSizeHint().height());
+    }
+    QSize minimumSizeHint() const override
+    {
+        return {80, textLines * QFontMetrics(font()).lineSpacing() + 16};
+    }
+};
+
 QString fieldLook()
 {
     return QString("QPlainTextEdit { background: %1; border: 1px solid %2; border-radius: %3px;"
@@ -39,6 +53,7 @@ TextSection::TextSection(AppModel& model, QWidget* parent)
     : QWidget(parent)
     , m_model(model)
     , m_list(new RowList(tr("Texts")))
+    , m_colorStep(model)
     , m_details(makeDetails())
     , m_watch([this] { refresh(); })
 {
@@ -72,12 +87,14 @@ QWidget* TextSection::makeDetails()
     auto* details = new QWidget;
     auto* column = new QVBoxLayout(details);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(4);
+    column->setSpacing(0);
     column->addWidget(makeText());
+    column->addSpacing(6);
     m_font = new FontPicker(tr("Font"));
     auto* fontRow = labelledRow(tr("Font"));
     fontRow->addWidget(m_font, 1);
     column->addLayout(fontRow);
+    column->addSpacing(2);
     connect(m_font, &FontPicker::familyPicked, this, [this](const QString& family) {
         m_model.setTextFont(m_model.selectedTextID, family.toStdString());
     });
@@ -89,14 +106,17 @@ QWidget* TextSection::makeDetails()
     colorRow->addWidget(m_color);
     column->addLayout(colorRow);
     connect(m_color, &ColorWell::colorPicked, this, [this](const QColor& color) {
+        m_colorStep.begin();
         m_model.setTextColor(m_model.selectedTextID, color.name().toStdString());
     });
+    connect(m_color, &ColorWell::pickEnded, this, [this] { m_colorStep.end(); });
 
     m_shadow = new Toggle(tr("Shadow"));
     column->addWidget(m_shadow);
     connect(m_shadow, &QAbstractButton::clicked, this,
             [this](bool isOn) { m_model.setTextShadow(m_model.selectedTextID, isOn); });
     column->addWidget(makeLayerRow());
+    column->addSpacing(6);
     auto* remove = new PanelButton("trash-2", tr("Remove Text"));
     column->addWidget(remove);
     connect(remove, &QPushButton::clicked, this,
@@ -106,12 +126,10 @@ QWidget* TextSection::makeDetails()
 
 QWidget* TextSection::makeText()
 {
-    m_text = new QPlainTextEdit;
+    m_text = new CaptionField;
     m_text->setAccessibleName(tr("Text"));
     m_text->setPlaceholderText(tr("Text"));
-    m_text->setTabChangesFocus(true);
     m_text->setStyleSheet(fieldLook());
-    m_text->setFixedHeight(textLines * QFontMetrics(m_text->font()).lineSpacing() + 16);
     connect(m_text, &QPlainTextEdit::textChanged, this, [this] {
         if (!m_isShowing)
             m_model.setText(m_model.selectedTextID, m_text->toPlainText().toStdString());

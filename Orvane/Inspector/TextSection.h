@@ -2,6 +2,7 @@
 
 #include "AppModel.h"
 #include "FieldWatch.h"
+#include "OneStep.h"
 
 #include <QWidget>
 
@@ -47,6 +48,7 @@ private:
     QLabel* m_place = nullptr; ///< "2 of 3"
     GlyphButton* m_backward = nullptr;
     GlyphButton* m_forward = nullptr;
+    OneStep m_colorStep;
     QWidget* m_details; ///< of the selected layer
     bool m_isShowing = false; ///< the field is being set, not typed into
     FieldWatch m_watch;

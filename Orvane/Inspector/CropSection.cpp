@@ -5,7 +5,6 @@
 #include "SegmentedPicker.h"
 #include "Theme.h"
 
-#include <QComboBox>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -14,6 +13,7 @@ namespace orvane {
 namespace {
 
 constexpr int ratiosPerLine = 4;
+constexpr int guidesPerLine = 3;
 
 SegmentedPicker::Choices ratios(const AppModel& model)
 {
@@ -24,18 +24,20 @@ SegmentedPicker::Choices ratios(const AppModel& model)
     return choices;
 }
 
-/// Values of `cropGuide` with their labels.
-constexpr struct {
-    const char* id;
-    const char* label;
-} guides[] = {
-    {"thirds", QT_TRANSLATE_NOOP("orvane::CropSection", "Thirds")},
-    {"grid", QT_TRANSLATE_NOOP("orvane::CropSection", "Grid")},
-    {"diagonal", QT_TRANSLATE_NOOP("orvane::CropSection", "Diagonals")},
-    {"golden", QT_TRANSLATE_NOOP("orvane::CropSection", "Golden Ratio")},
-    {"cross", QT_TRANSLATE_NOOP("orvane::CropSection", "Cross")},
-    {"none", QT_TRANSLATE_NOOP("orvane::CropSection", "None")},
-};
+/// By the values of `cropGuide`.
+SegmentedPicker::Choices guides()
+{
+    return {{"thirds", CropSection::tr("Thirds")},      {"grid", CropSection::tr("Grid")},
+            {"diagonal", CropSection::tr("Diagonals")}, {"golden", CropSection::tr("Golden")},
+            {"cross", CropSection::tr("Cross")},        {"none", CropSection::tr("None")}};
+}
+
+QLabel* makeLabel(const QString& text)
+{
+    auto* label = new QLabel(text);
+    Theme::makeSecondary(*label);
+    return label;
+}
 
 } // namespace
 
@@ -44,6 +46,8 @@ CropSection::CropSection(AppModel& model, QWidget* parent)
     , m_model(model)
     , m_edit(new PanelButton("crop", tr("Edit Crop on the Image")))
     , m_aspect(new SegmentedPicker(tr("Aspect Ratio"), ratios(model), ratiosPerLine))
+    , m_guideLabel(makeLabel(tr("Guide")))
+    , m_guide(new SegmentedPicker(tr("Guide"), guides(), guidesPerLine))
     , m_straighten(new ModelSlider(model, tr("Straighten"), {.minimum = -15, .maximum = 15},
                                    {.read = [&model] { return model.rotation.value(); },
                                     .write =
@@ -56,15 +60,14 @@ CropSection::CropSection(AppModel& model, QWidget* parent)
     , m_watch([this] { refresh(); })
 {
     m_edit->setCheckable(true);
-    auto* ratioLabel = new QLabel(tr("Aspect Ratio"));
-    Theme::makeSecondary(*ratioLabel);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
     column->addWidget(m_edit);
-    column->addWidget(ratioLabel);
+    column->addWidget(makeLabel(tr("Aspect Ratio")));
     column->addWidget(m_aspect);
-    column->addLayout(makeGuideRow());
+    column->addWidget(m_guideLabel);
+    column->addWidget(m_guide);
     column->addWidget(m_straighten);
     column->addLayout(makeFlipRow());
 
@@ -72,23 +75,11 @@ CropSection::CropSection(AppModel& model, QWidget* parent)
             [this] { m_model.cropMode ? m_model.finishCrop() : m_model.enterCrop(); });
     connect(m_aspect, &SegmentedPicker::picked, this,
             [this](const QString& id) { m_model.setAspect(id.toStdString()); });
+    connect(m_guide, &SegmentedPicker::picked, this,
+            [this](const QString& id) { m_model.cropGuide = id.toStdString(); });
     m_watch.watch(model.cropMode, model.aspectId, model.cropGuide, model.rotation, model.flipH,
                   model.flipV);
     refresh();
-}
-
-QLayout* CropSection::makeGuideRow()
-{
-    m_guide = new QComboBox;
-    m_guide->setAccessibleName(tr("Guide"));
-    m_guide->setToolTip(tr("Lines over the picture while it is cropped"));
-    for (const auto& guide : guides)
-        m_guide->addItem(tr(guide.label), QString(guide.id));
-    connect(m_guide, &QComboBox::activated, this,
-            [this](int index) { m_model.cropGuide = std::string(guides[index].id); });
-    auto* row = labelledRow(tr("Guide"));
-    row->addWidget(m_guide, 1);
-    return row;
 }
 
 QLayout* CropSection::makeFlipRow()
@@ -116,7 +107,9 @@ void CropSection::refresh()
 {
     m_edit->setChecked(m_model.cropMode);
     m_aspect->choose(QString::fromStdString(m_model.aspectId));
-    m_guide->setCurrentIndex(m_guide->findData(QString::fromStdString(m_model.cropGuide)));
+    m_guide->choose(QString::fromStdString(m_model.cropGuide));
+    m_guide->setVisible(m_model.cropMode);
+    m_guideLabel->setVisible(m_model.cropMode);
     m_straighten->refresh();
     m_flipH->setChecked(m_model.flipH);
     m_flipV->setChecked(m_model.flipV);

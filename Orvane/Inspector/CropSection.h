@@ -5,7 +5,6 @@
 
 #include <QWidget>
 
-class QComboBox;
 class QLayout;
 class QPushButton;
 
@@ -22,7 +21,6 @@ public:
     CropSection(AppModel& model, QWidget* parent);
 
 private:
-    QLayout* makeGuideRow();
     QLayout* makeFlipRow();
     QPushButton* makeFlip(const char* icon, const QString& text, const QString& help,
                           const char* axis);
@@ -31,8 +29,9 @@ private:
     AppModel& m_model;
     QPushButton* m_edit;
     SegmentedPicker* m_aspect;
+    QWidget* m_guideLabel;
+    SegmentedPicker* m_guide; ///< shown while the tool is open
     ModelSlider* m_straighten;
-    QComboBox* m_guide = nullptr;
     QPushButton* m_flipH = nullptr;
     QPushButton* m_flipV = nullptr;
     FieldWatch m_watch;

@@ -1,14 +1,18 @@
 #include "FoldingSection.h"
 
 #include "Chevron.h"
+#include "FoldClip.h"
 #include "Theme.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
+#include <QVariantAnimation>
 
 #include <utility>
 
@@ -18,6 +22,8 @@ namespace {
 
 constexpr int headerHeight = 32;
 constexpr double chevron = 12;
+constexpr int padding = 10; ///< between the edges and what lies within
+constexpr int openingTime = 120; ///< ms
 
 /// A chevron that points down while it is checked, and a title.
 class HeaderButton final : public QAbstractButton {
@@ -43,13 +49,13 @@ protected:
                                     Theme::radius);
         }
         const QColor color = underMouse() ? Theme::text.lighter(115) : Theme::text;
-        drawChevron(painter, {4 + chevron / 2, height() / 2.0}, isChecked() ? 90 : 0, color);
+        drawChevron(painter, {chevron / 2, height() / 2.0}, isChecked() ? 90 : 0, color);
 
         QFont heading = font();
         heading.setWeight(QFont::Medium);
         painter.setFont(heading);
         painter.setPen(color);
-        painter.drawText(rect().adjusted(int(chevron) + 10, 0, 0, 0),
+        painter.drawText(rect().adjusted(int(chevron) + 6, 0, 0, 0),
                          Qt::AlignVCenter | Qt::AlignLeft, text());
     }
 };
@@ -63,8 +69,9 @@ FoldingSection::FoldingSection(const QString& title, Maker make, bool isExpanded
     , m_reset(new QPushButton(tr("Reset")))
     , m_column(new QVBoxLayout(this))
     , m_make(std::move(make))
+    , m_animation(new QVariantAnimation(this))
 {
-    m_column->setContentsMargins(0, 0, 0, 0);
+    m_column->setContentsMargins(padding, 0, padding, 0);
     m_column->setSpacing(0);
     m_column->addWidget(makeHeader(title));
     setEdited(false);
@@ -74,29 +81,67 @@ FoldingSection::FoldingSection(const QString& title, Maker make, bool isExpanded
     connect(m_reset, &QPushButton::clicked, this, &FoldingSection::resetAsked);
     fold(isExpanded);
     connect(m_header, &QAbstractButton::toggled, this, &FoldingSection::fold);
+    m_animation->setDuration(openingTime);
+    m_animation->setEasingCurve(QEasingCurve::OutCubic);
+    connect(m_animation, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant& share) { m_clip->setShare(share.toDouble()); });
+    connect(m_animation, &QVariantAnimation::finished, this, [this] {
+        m_clip->setVisible(this->isExpanded());
+        m_clip->setShare(1);
+    });
 }
 
 void FoldingSection::fold(bool isOpen)
 {
     if (isOpen && !m_content)
         makeContent();
-    if (m_content)
-        m_content->setVisible(isOpen);
+    if (!m_clip)
+        return;
+    m_animation->stop();
+    const bool moves = isVisible() && QApplication::isEffectEnabled(Qt::UI_General)
+        && style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+    if (moves)
+        animate(isOpen);
+    else
+        m_clip->setVisible(isOpen);
+}
+
+void FoldingSection::animate(bool isOpen)
+{
+    m_clip->setShare(isOpen ? 0 : 1);
+    m_clip->show();
+    m_animation->setStartValue(isOpen ? 0.0 : 1.0);
+    m_animation->setEndValue(isOpen ? 1.0 : 0.0);
+    m_animation->start();
 }
 
 void FoldingSection::makeContent()
 {
-    m_content = m_make(this);
-    m_column->addWidget(m_content);
+    auto* padded = new QWidget;
+    auto* column = new QVBoxLayout(padded);
+    column->setContentsMargins(0, 2, 0, padding);
+    m_content = m_make(padded);
+    column->addWidget(m_content);
+    m_clip = new FoldClip(padded);
+    m_column->addWidget(m_clip);
     // Tab goes from the header into what came after the rest of the window was there.
     QWidget* before = m_reset;
-    for (QWidget* child : m_content->findChildren<QWidget*>()) {
+    for (QWidget* child : m_clip->findChildren<QWidget*>()) {
         if (child->focusPolicy() != Qt::NoFocus && child->window() == window()) {
             setTabOrder(before, child);
             before = child;
         }
     }
     Q_EMIT contentMade(m_content);
+}
+
+void FoldingSection::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Theme::section);
+    painter.drawRoundedRect(rect(), Theme::radius, Theme::radius);
 }
 
 QWidget* FoldingSection::makeHeader(const QString& title)

@@ -8,8 +8,11 @@ class QAbstractButton;
 class QLabel;
 class QPushButton;
 class QVBoxLayout;
+class QVariantAnimation;
 
 namespace orvane {
+
+class FoldClip;
 
 /// A part of the panel under a header that folds it away: title, and when something in it was
 /// changed the mark "Edited" and a button that asks to undo it. What is in it is made when it is
@@ -36,10 +39,14 @@ Q_SIGNALS:
     /// Just made, not yet shown.
     void contentMade(QWidget* content);
 
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
 private:
     QWidget* makeHeader(const QString& title);
     void fold(bool isOpen);
     void makeContent();
+    void animate(bool isOpen);
 
     QAbstractButton* m_header;
     QLabel* m_mark;
@@ -47,6 +54,8 @@ private:
     QVBoxLayout* m_column;
     Maker m_make;
     QWidget* m_content = nullptr;
+    FoldClip* m_clip = nullptr;
+    QVariantAnimation* m_animation;
 };
 
 } // namespace orvane

@@ -9,15 +9,14 @@ namespace orvane {
 
 class HistogramView;
 
-/// Floats the histogram in the upper right corner of the canvas while `histogramOn` is true. The
-/// canvas owns it.
+/// Floats the histogram in the upper right corner of the canvas while `histogramOn` is true.
 class HistogramOverlay final : public QObject {
     Q_OBJECT
 
 public:
     HistogramOverlay(AppModel& model, QWidget* canvas);
 
-    HistogramView& view() { return *m_view; }
+    const HistogramView& view() const { return *m_view; }
 
 protected:
     bool eventFilter(QObject* canvas, QEvent* event) override;

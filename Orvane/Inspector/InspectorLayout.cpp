@@ -4,6 +4,10 @@
 #include "CanvasSection.h"
 #include "ColorMixerSection.h"
 #include "CropSection.h"
+#include "LooksSection.h"
+#include "RelightSection.h"
+#include "RetouchSection.h"
+#include "TextSection.h"
 #include "ToneSections.h"
 
 #include <algorithm>
@@ -59,6 +63,7 @@ const struct Row {
     {"Frame", "Crop", make<CropSection>},
     {"Frame", "Canvas", make<CanvasSection>},
     {"Frame", "", groups},
+    {"Style", "Looks", make<LooksSection>},
     {"Style", "", groups},
     {"Light & Colour", "", groups},
     {"Light & Colour", "Curves", make<CurvesSection>, "Color", CurvesSection::isEdited,
@@ -72,7 +77,10 @@ const struct Row {
      isMixerEdited,
      [](AppModel& model) { model.resetGroup(ColorMixerSection::keys(model.schema)); }},
     {"Detail", "", groups},
+    {"On the Image", "Retouch", make<RetouchSection>},
+    {"On the Image", "Relight", make<RelightSection>},
     {"On the Image", "", groups},
+    {"On the Image", "Text", make<TextSection>},
 };
 
 QString titled(std::string_view text)

@@ -2,6 +2,7 @@
 
 #include "FoldingSection.h"
 #include "HistorySection.h"
+#include "LooksSection.h"
 #include "NameDialog.h"
 #include "Theme.h"
 
@@ -17,16 +18,33 @@ namespace orvane {
 
 namespace {
 
-constexpr int margin = 16;
+constexpr int margin = 10;
+constexpr int barWidth = 10; ///< of the scroll bar, whose place is kept while there is none
+constexpr int sectionGap = 4;
+constexpr int headingGap = 14;
 
-QString headingLook()
+/// One sheet for the whole panel: a sheet for each control would be read anew each time.
+QString look()
 {
-    return QString("QPushButton { background: transparent; border: 1px solid transparent;"
-                   " padding: 1px 6px; font-size: 11px; color: %1; }"
-                   "QPushButton:hover { background: %2; color: %3; }"
-                   "QPushButton:focus { border-color: %4; }")
-        .arg(Theme::secondaryText.name(), Theme::raised.name(), Theme::text.name(),
-             Theme::accent.name());
+    return QString("QScrollBar:vertical { background: transparent; width: %1px; margin: 2px; }"
+                   "QScrollBar::handle:vertical { background: %2; border-radius: 3px;"
+                   " min-height: 32px; }"
+                   "QScrollBar::handle:vertical:hover { background: %3; }"
+                   "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                   "QScrollBar::add-page, QScrollBar::sub-page { background: none; }")
+               .arg(barWidth)
+               .arg(Theme::hover.name(), Theme::disabledText.name())
+        + QString("orvane--ValueField:read-only { background: transparent;"
+                  " border-color: transparent; }"
+                  "orvane--ValueField:read-only:hover { background: %1; }"
+                  "orvane--ValueField:read-only:focus { border-color: %2; }")
+              .arg(Theme::raised.name(), Theme::accent.name())
+        + QString("#headingButton { background: transparent; border: 1px solid transparent;"
+                  " padding: 1px 6px; font-size: 11px; color: %1; }"
+                  "#headingButton:hover { background: %2; color: %3; }"
+                  "#headingButton:focus { border-color: %4; }")
+              .arg(Theme::secondaryText.name(), Theme::raised.name(), Theme::text.name(),
+                   Theme::accent.name());
 }
 
 } // namespace
@@ -38,19 +56,6 @@ NativeInspector::NativeInspector(AppModel& model, QWidget* parent)
     , m_watch([this] { refresh(); })
 {
     setFixedWidth(panelWidth);
-    auto* content = new QWidget;
-    m_column = new QVBoxLayout(content);
-    m_column->setContentsMargins(margin, 4, margin, margin);
-    m_column->setSpacing(0);
-    for (const InspectorHeading& heading : inspectorLayout(model.schema))
-        addHeading(heading);
-    m_history = addSection({.name = tr("History"), .make = [](AppModel& m, QWidget* p) {
-                                return new HistorySection(m, p);
-                            }});
-    m_column->addStretch(1);
-
-    m_scroll->setWidget(content);
-    m_scroll->setWidgetResizable(true);
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->setFocusPolicy(Qt::NoFocus);
@@ -58,9 +63,27 @@ NativeInspector::NativeInspector(AppModel& model, QWidget* parent)
     auto* frame = new QVBoxLayout(this);
     frame->setContentsMargins(0, 0, 0, 0);
     frame->addWidget(m_scroll);
-
     m_watch.watch(model.session, model.adjust, model.curve, model.history);
     refresh();
+}
+
+void NativeInspector::build()
+{
+    setStyleSheet(look());
+    auto* content = new QWidget;
+    content->setFixedWidth(panelWidth - barWidth);
+    m_column = new QVBoxLayout(content);
+    m_column->setContentsMargins(margin, 0, 0, margin);
+    m_column->setSpacing(sectionGap);
+    for (const InspectorHeading& heading : inspectorLayout(m_model.schema))
+        addHeading(heading);
+    m_column->addSpacing(headingGap);
+    m_history = addSection({.name = tr("History"), .make = [](AppModel& m, QWidget* p) {
+                                return new HistorySection(m, p);
+                            }});
+    m_column->addStretch(1);
+    m_scroll->setWidget(content);
+    m_scroll->setWidgetResizable(true);
 }
 
 void NativeInspector::addHeading(const InspectorHeading& heading)
@@ -70,9 +93,9 @@ void NativeInspector::addHeading(const InspectorHeading& heading)
     semibold.setWeight(QFont::DemiBold);
     title->setFont(semibold);
     auto* button = new QPushButton;
-    button->setStyleSheet(headingLook());
+    button->setObjectName("headingButton");
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 4, 0, 0);
+    row->setContentsMargins(2, headingGap, 0, 0);
     row->setSpacing(6);
     row->addWidget(title);
     row->addStretch(1);
@@ -92,7 +115,7 @@ void NativeInspector::addHeading(const InspectorHeading& heading)
 FoldingSection* NativeInspector::addSection(const InspectorSection& section)
 {
     auto* widget = new FoldingSection(
-        section.name, [this, make = section.make](QWidget* p) { return make(m_model, p); },
+        section.name, [this, make = section.make](QWidget* p) { return made(make, p); },
         m_expanded.contains(section.name));
     m_column->addWidget(widget);
     m_sections.push_back({section, widget});
@@ -103,6 +126,14 @@ FoldingSection* NativeInspector::addSection(const InspectorSection& section)
             reset(m_model);
     });
     return widget;
+}
+
+QWidget* NativeInspector::made(const decltype(InspectorSection::make)& make, QWidget* under)
+{
+    QWidget* content = make(m_model, under);
+    if (auto* looks = qobject_cast<LooksSection*>(content))
+        connect(looks, &LooksSection::nameAsked, this, &NativeInspector::askForName);
+    return content;
 }
 
 // ---- Folding ----
@@ -180,9 +211,15 @@ bool NativeInspector::focusNextPrevChild(bool next)
 
 void NativeInspector::refresh()
 {
+    const bool isOpen = !m_model.session.value().empty();
+    if (isOpen && m_sections.empty())
+        build();
+    if (m_scroll->widget())
+        m_scroll->widget()->setVisible(isOpen);
+    if (!isOpen)
+        return;
     const auto& history = m_model.history.value();
     m_history->setVisible(history.undoStack().size() + history.redoStack().size() > 1);
-    m_scroll->widget()->setVisible(!m_model.session.value().empty());
     for (const Shown& shown : m_sections) {
         if (shown.section.isEdited)
             shown.widget->setEdited(shown.section.isEdited(m_model));

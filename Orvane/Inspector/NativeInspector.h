@@ -17,8 +17,8 @@ namespace orvane {
 class FoldingSection;
 
 /// The panel beside the picture: every slider of the catalogue and every tool, in sections that
-/// fold, under headings that fold all of theirs. It is empty while nothing is open. Which sections
-/// there are, and their order, is InspectorLayout's.
+/// fold, under headings that fold all of theirs. It is empty while nothing is open, and made when
+/// something is. Which sections there are, and their order, is InspectorLayout's.
 class NativeInspector final : public QWidget {
     Q_OBJECT
 
@@ -46,7 +46,9 @@ private:
         std::vector<QString> names;
         QPushButton* button;
     };
+    void build();
     void addHeading(const InspectorHeading& heading);
+    QWidget* made(const decltype(InspectorSection::make)& make, QWidget* under);
     FoldingSection* addSection(const InspectorSection& section);
     void takeExpanded(const QString& name, bool isExpanded);
     bool isAllExpanded(const Heading& heading) const;
@@ -58,7 +60,7 @@ private:
     AppModel& m_model;
     std::set<QString> m_expanded = {"Crop", "Looks", "Light"};
     QScrollArea* m_scroll;
-    QVBoxLayout* m_column;
+    QVBoxLayout* m_column = nullptr;
     std::vector<Heading> m_headings;
     std::vector<Shown> m_sections;
     FoldingSection* m_history = nullptr; ///< absent while there is nothing to go back to

@@ -3,12 +3,16 @@
 #include "BandButton.h"
 #include "ColorWell.h"
 #include "FoldingSection.h"
+#include "HistogramOverlay.h"
+#include "HistogramView.h"
 #include "HistorySection.h"
 #include "ModelSlider.h"
 #include "ModelTesting.h"
 #include "NameDialog.h"
 
 #include <QApplication>
+#include <QButtonGroup>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QtTest/QTest>
@@ -186,8 +190,12 @@ TEST_F(NativeInspectorTest, CropIsDrivenFromItsSection)
 {
     click(control("Edit Crop on the Image"));
     EXPECT_TRUE(model->cropMode);
+    settle();
+    click(control("Guide: Golden"));
+    EXPECT_EQ(model->cropGuide.value(), "golden");
     model->cancelCrop();
     settle();
+    EXPECT_THROW(control("Guide: Golden"), std::runtime_error);
     EXPECT_FALSE(control("Edit Crop on the Image")->isChecked());
     click(control("Aspect Ratio: 1:1"));
     EXPECT_EQ(model->aspectId.value(), "1:1");
@@ -262,6 +270,116 @@ TEST_F(NativeInspectorTest, WhiteBalanceTellsWhatItWaitsFor)
     settle();
     click(control("Click something grey…"));
     EXPECT_FALSE(model->pickingWhite);
+}
+
+TEST_F(NativeInspectorTest, ANameForALookIsAskedForAndBlankOnesAreNotTaken)
+{
+    settle();
+    click(control("Save This Look…"));
+    auto* dialog = panel->findChild<NameDialog*>();
+    ASSERT_TRUE(dialog);
+    auto* field = dialog->findChild<QLineEdit*>();
+    QTest::keyClicks(field, "  ");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_TRUE(dialog->isVisible());
+    QTest::keyClicks(field, "Dusk");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_FALSE(dialog->isVisible());
+    ASSERT_EQ(model->savedLooks().size(), 1U);
+    EXPECT_EQ(model->savedLooks()[0].name, "Dusk");
+}
+
+/// Of an exclusive group Tab reaches the chosen one; arrow keys do the rest.
+bool isLeftToArrows(const QWidget& control)
+{
+    const auto* button = qobject_cast<const QAbstractButton*>(&control);
+    return button && button->group() && button->group()->exclusive() && !button->isChecked();
+}
+
+/// Everything that takes the focus, as the panel is seen.
+std::vector<QWidget*> controlsOf(const QWidget& panel)
+{
+    std::vector<QWidget*> controls;
+    for (auto* each : panel.findChildren<QWidget*>()) {
+        if ((each->focusPolicy() & Qt::TabFocus) && each->isVisible() && each->isEnabled()
+            && !isLeftToArrows(*each))
+            controls.push_back(each);
+    }
+    return controls;
+}
+
+std::string described(const QWidget& control)
+{
+    return std::string(control.metaObject()->className()) + " \""
+        + control.accessibleName().toStdString() + "\"";
+}
+
+TEST_F(NativeInspectorTest, EveryControlIsNamedReachedByTabInOrderAndWhole)
+{
+    // With something in every list, and each part open.
+    model->addLightAt("radial", 0.5, 0.5);
+    model->addText();
+    model->setCanvasShape("4x5");
+    model->canvasFill = std::string("color");
+    expose(10);
+    for (auto* section : panel->findChildren<FoldingSection*>())
+        section->setExpanded(true);
+    settle();
+    settle();
+
+    auto* area = panel->findChild<QScrollArea*>();
+    const auto controls = controlsOf(*panel);
+    ASSERT_GT(controls.size(), 90U);
+    controls.front()->setFocus(Qt::TabFocusReason);
+    std::set<QWidget*> reached;
+    int lastTop = -1;
+    for (QWidget* focus = controls.front(); reached.insert(focus).second;
+         focus = QApplication::focusWidget()) {
+        SCOPED_TRACE(described(*focus));
+        EXPECT_NE(focus->accessibleName(), "");
+        const QPoint corner = focus->mapTo(area->widget(), QPoint());
+        EXPECT_GE(corner.x(), 0);
+        EXPECT_LE(corner.x() + focus->width(), area->viewport()->width());
+        if (focus->sizePolicy().horizontalPolicy() != QSizePolicy::Ignored) {
+            EXPECT_GE(focus->width(), focus->minimumSizeHint().width());
+        }
+        EXPECT_GE(focus->height(), focus->minimumSizeHint().height());
+        // In sight, and below what came before; handles of a plot have an order of their own.
+        EXPECT_FALSE(focus->visibleRegion().isEmpty());
+        if (!focus->inherits("orvane::PlotHandle")) {
+            EXPECT_GE(corner.y() + focus->height(), lastTop);
+            lastTop = corner.y();
+        }
+        QTest::keyClick(focus, Qt::Key_Tab);
+    }
+    EXPECT_EQ(QApplication::focusWidget(), controls.front());
+    for (QWidget* control : controls) {
+        // On the way through a curve's points its steps come to their ends.
+        if (control->isEnabled()) {
+            EXPECT_TRUE(reached.contains(control)) << described(*control);
+        }
+    }
+}
+
+TEST_F(NativeInspectorTest, TheHistogramFloatsInTheCornerWhileItIsOn)
+{
+    QWidget canvas;
+    canvas.resize(600, 400);
+    canvas.show();
+    const HistogramOverlay overlay(*model, &canvas);
+    const HistogramView& view = overlay.view();
+    EXPECT_FALSE(view.isVisible());
+    model->histogramOn = true;
+    settle();
+    ASSERT_TRUE(view.isVisible());
+    EXPECT_EQ(view.geometry(), QRect(600 - 260 - 12, 12, 260, 150));
+    canvas.resize(900, 500);
+    settle();
+    EXPECT_EQ(view.x(), 900 - 260 - 12);
+    waitFor([this] { return !model->histogram.value().r.empty(); });
+    model->histogramOn = false;
+    settle();
+    EXPECT_FALSE(view.isVisible());
 }
 
 } // namespace

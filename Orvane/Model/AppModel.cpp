@@ -280,7 +280,14 @@ void AppModel::openImage(bool append)
                     .prompt = append ? "Add" : "Open",
                     .allowsSeveral = true};
     panel.extensions.assign(rawExtensions.begin(), rawExtensions.end());
-    std::vector<IncomingImage> incoming = readImageFiles(m_desktop.choose(panel));
+    std::vector<std::filesystem::path> files = m_desktop.choose(panel);
+    if (files.empty())
+        return;
+    if (m_fileOpener) {
+        m_fileOpener(std::move(files), append);
+        return;
+    }
+    std::vector<IncomingImage> incoming = readImageFiles(files);
     if (incoming.empty())
         return;
     adoptIntoSession(std::move(incoming), append);

@@ -100,8 +100,15 @@ public:
     void adoptIntoSession(std::vector<IncomingImage> incoming, bool append);
     /// Reads and decodes files; tells of those that are no pictures.
     std::vector<IncomingImage> readImageFiles(const std::vector<std::filesystem::path>& files);
-    /// The second half of that: for files that readImages() has read in the background.
-    std::vector<IncomingImage> takeReadImages(ReadImages read);
+    /// Tells of files that are no pictures, beside those that were opened; nothing when all were.
+    void reportUnread(size_t opened, const std::vector<std::string>& failed);
+    /// Who reads the files that openImage() was given, in the background, and adopts them. Without
+    /// one they are read at once.
+    using FileOpener = std::function<void(std::vector<std::filesystem::path> files, bool append)>;
+    void setFileOpener(FileOpener opener) { m_fileOpener = std::move(opener); }
+    /// Takes an encoded picture that no file holds into the session, as the last of it, and shows
+    /// it. False when the bytes are no picture.
+    bool adoptLoosePicture(PastedPicture picture);
     void addPhotos(const std::vector<std::string>& identifiers);
     void importFromPhotos();
     void pasteImage();
@@ -354,6 +361,8 @@ private:
     EditImage adopted(IncomingImage incoming) const;
     bool mayRemove(const EditImage& image);
     std::optional<IncomingImage> pastedImage();
+    std::optional<IncomingImage> looseImage(PastedPicture picture);
+    void adoptAndShow(IncomingImage image);
     void adoptPhotos(std::vector<PhotoSource::Photo> photos, bool append);
     std::string variantName(const std::string& name) const;
     void applyGradeOf(Looks::Look look);
@@ -398,6 +407,7 @@ private:
     LatestJob m_lookJob;
     HistogramCounter m_histogramCounter;
     bool m_isHistogramWanted = false;
+    FileOpener m_fileOpener;
 };
 
 } // namespace orvane

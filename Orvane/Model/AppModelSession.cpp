@@ -47,15 +47,16 @@ std::string joined(const std::vector<std::string>& names)
 
 std::vector<IncomingImage> AppModel::readImageFiles(const std::vector<fs::path>& files)
 {
-    return takeReadImages(readImages(files));
+    ReadImages read = readImages(files);
+    reportUnread(read.images.size(), read.failed);
+    return std::move(read.images);
 }
 
-std::vector<IncomingImage> AppModel::takeReadImages(ReadImages read)
+void AppModel::reportUnread(size_t opened, const std::vector<std::string>& failed)
 {
-    if (!read.failed.empty())
-        m_desktop.ask({.message = unreadMessage(read.images.size(), read.failed.size()),
-                       .informative = "Not a readable image: " + joined(read.failed)});
-    return std::move(read.images);
+    if (!failed.empty())
+        m_desktop.ask({.message = unreadMessage(opened, failed.size()),
+                       .informative = "Not a readable image: " + joined(failed)});
 }
 
 void AppModel::adoptIntoSession(std::vector<IncomingImage> incoming, bool append)
@@ -151,9 +152,22 @@ void AppModel::pasteImage()
             {.message = "Nothing to paste", .informative = "The clipboard doesn't hold an image."});
         return;
     }
-    const CIImage held = image->held; // until it is active
+    adoptAndShow(std::move(*image));
+}
+
+bool AppModel::adoptLoosePicture(PastedPicture picture)
+{
+    std::optional<IncomingImage> image = looseImage(std::move(picture));
+    if (image)
+        adoptAndShow(std::move(*image));
+    return image.has_value();
+}
+
+void AppModel::adoptAndShow(IncomingImage image)
+{
+    const CIImage held = image.held; // until it is active
     std::vector<IncomingImage> incoming;
-    incoming.push_back(std::move(*image));
+    incoming.push_back(std::move(image));
     adoptIntoSession(std::move(incoming), !session.value().empty());
     activate(session.value().back().id, true);
 }
@@ -168,10 +182,14 @@ std::optional<IncomingImage> AppModel::pastedImage()
             return std::move(read.images.front());
     }
     auto pasted = m_desktop.pastedPicture();
-    if (!pasted)
-        return std::nullopt;
-    const bool isPng = pasted->kind == PastedPicture::Kind::Png;
-    IncomingImage image{.data = std::move(pasted->bytes),
+    return pasted ? looseImage(std::move(*pasted)) : std::nullopt;
+}
+
+/// A picture without a file, decoded and named by its number.
+std::optional<IncomingImage> AppModel::looseImage(PastedPicture picture)
+{
+    const bool isPng = picture.kind == PastedPicture::Kind::Png;
+    IncomingImage image{.data = std::move(picture.bytes),
                         .name = "Pasted " + std::to_string(pastedCount + 1)
                             + (isPng ? ".png" : ".tiff"),
                         .source = {}};

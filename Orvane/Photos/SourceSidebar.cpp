@@ -12,7 +12,7 @@ namespace orvane {
 namespace {
 
 constexpr int usualWidth = 240;
-constexpr int smallestWidth = 200;
+constexpr int smallestWidth = 220; ///< the button stays whole
 constexpr int signSize = 40;
 
 QLabel* centred(const QString& text)
@@ -76,6 +76,7 @@ QWidget* SourceSidebar::makeInvitation()
         centred(tr("Connect your library to pick photos from the sidebar. You can also use "
                    "File ▸ Import from Photos, which needs no access at all."));
     Theme::makeSecondary(*explanation);
+    explanation->setContentsMargins(8, 0, 8, 0);
     auto* connecting = new QPushButton(tr("Connect Photos Library"));
     connecting->setAutoDefault(false);
     connect(connecting, &QPushButton::clicked, this, &SourceSidebar::connectAsked);

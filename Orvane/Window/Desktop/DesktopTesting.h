@@ -15,9 +15,11 @@ inline void whenOpen(std::function<void(QWidget*)> act)
     auto* watch = new QTimer(qApp);
     QObject::connect(watch, &QTimer::timeout, [watch, act = std::move(act)] {
         QWidget* open = QApplication::activePopupWidget();
+        QWidget* const dialog = QApplication::activeModalWidget();
+        // A dialog takes keys only once it is the active window.
+        if (!open && dialog && dialog->isActiveWindow())
+            open = dialog;
         if (!open)
-            open = QApplication::activeModalWidget();
-        if (!open || !open->isVisible())
             return;
         watch->stop();
         watch->deleteLater();

@@ -6,7 +6,9 @@
 
 #include <QAction>
 #include <QDir>
+#include <QGridLayout>
 #include <QHeaderView>
+#include <QLabel>
 #include <QListView>
 #include <QShortcut>
 #include <QSplitter>
@@ -59,7 +61,8 @@ QString looks()
 
 } // namespace
 
-FileDialog::FileDialog(QWidget* over, const QString& title, FileIcons& icons)
+FileDialog::FileDialog(QWidget* over, const QString& title, const QString& message,
+                       FileIcons& icons)
     : QFileDialog(over, title)
 {
     setOption(DontUseNativeDialog);
@@ -71,6 +74,8 @@ FileDialog::FileDialog(QWidget* over, const QString& title, FileIcons& icons)
     setViewMode(Detail);
     resize(860, 540);
     dress();
+    if (!message.isEmpty())
+        addMessage(message);
     forbidChanges();
 }
 
@@ -98,6 +103,40 @@ void FileDialog::dress()
         header->setSectionResizeMode(0, QHeaderView::Stretch);
         for (int column = 1; column < header->count(); ++column)
             header->resizeSection(column, columnWidths[std::min(column, 3)]);
+    }
+}
+
+/// In a row above all others. A grid takes no new row between others, so these move down.
+void FileDialog::addMessage(const QString& message)
+{
+    auto* const grid = qobject_cast<QGridLayout*>(layout());
+    if (!grid)
+        return;
+    struct Part {
+        QLayoutItem* item;
+        int row, column, rows, columns;
+    };
+    QList<Part> parts;
+    while (grid->count() > 0) {
+        Part part{};
+        grid->getItemPosition(0, &part.row, &part.column, &part.rows, &part.columns);
+        part.item = grid->takeAt(0);
+        parts << part;
+    }
+    auto* label = new QLabel(message);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setContentsMargins(2, 4, 2, 8);
+    grid->addWidget(label, 0, 0, 1, grid->columnCount());
+    for (const Part& part : parts)
+        grid->addItem(part.item, part.row + 1, part.column, part.rows, part.columns);
+}
+
+void FileDialog::hideKinds()
+{
+    for (const char* name : {"fileTypeLabel", "fileTypeCombo"}) {
+        if (auto* part = findChild<QWidget*>(name))
+            part->hide();
     }
 }
 

@@ -14,8 +14,11 @@ class FileDialog final : public QFileDialog {
     Q_OBJECT
 
 public:
-    /// The icons must outlive it.
-    FileDialog(QWidget* over, const QString& title, FileIcons& icons);
+    /// The message stands above all else; it may be empty. The icons must outlive the dialog.
+    FileDialog(QWidget* over, const QString& title, const QString& message, FileIcons& icons);
+
+    /// Where there is no choice among kinds of files.
+    void hideKinds();
 
     /// Asked before the choice is taken; the dialog stays open while it says no.
     std::function<bool()> mayAccept;
@@ -24,6 +27,7 @@ public:
 
 private:
     void dress();
+    void addMessage(const QString& message);
     void forbidChanges();
 };
 

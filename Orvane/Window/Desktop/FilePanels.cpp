@@ -146,11 +146,12 @@ FilePanels::FilePanels(QSettings& defaults)
 FilePanels::~FilePanels() = default;
 
 /// On the heap: the window that goes takes its dialogs along.
-FileDialog* FilePanels::makeDialog(QWidget* over, const QString& title, const char* folderKey)
+FileDialog* FilePanels::makeDialog(QWidget* over, const QString& title, const QString& message,
+                                   const char* folderKey)
 {
     if (!m_icons)
         m_icons = std::make_unique<FileIcons>();
-    auto* dialog = new FileDialog(over, title, *m_icons);
+    auto* dialog = new FileDialog(over, title, message, *m_icons);
     dialog->setDirectory(startFolder(m_defaults, folderKey));
     return dialog;
 }
@@ -158,11 +159,12 @@ FileDialog* FilePanels::makeDialog(QWidget* over, const QString& title, const ch
 std::vector<fs::path> FilePanels::choose(const OpenPanel& panel, QWidget* over)
 {
     const char* const key = folderKeys[size_t(panel.choosing)];
-    const QPointer<FileDialog> dialog =
-        makeDialog(over, QString::fromStdString(panel.message), key);
+    const QPointer<FileDialog> dialog = makeDialog(over, QString::fromStdString(panel.prompt),
+                                                   QString::fromStdString(panel.message), key);
     if (panel.choosing == OpenPanel::Choosing::Folder) {
         dialog->setFileMode(QFileDialog::Directory);
         dialog->setOption(QFileDialog::ShowDirsOnly);
+        dialog->hideKinds();
     } else {
         dialog->setFileMode(panel.allowsSeveral ? QFileDialog::ExistingFiles
                                                 : QFileDialog::ExistingFile);
@@ -183,7 +185,7 @@ std::vector<fs::path> FilePanels::choose(const OpenPanel& panel, QWidget* over)
 
 std::optional<fs::path> FilePanels::chooseTarget(const SavePanel& panel, QWidget* over)
 {
-    const QPointer<FileDialog> dialog = makeDialog(over, translated("Export Image"), targetKey);
+    const QPointer<FileDialog> dialog = makeDialog(over, translated("Export Image"), {}, targetKey);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     const QString extension = QString::fromStdString(panel.extension);

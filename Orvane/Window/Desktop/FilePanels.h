@@ -31,7 +31,8 @@ public:
     std::optional<std::filesystem::path> chooseTarget(const SavePanel& panel, QWidget* over);
 
 private:
-    FileDialog* makeDialog(QWidget* over, const QString& title, const char* folderKey);
+    FileDialog* makeDialog(QWidget* over, const QString& title, const QString& message,
+                           const char* folderKey);
 
     QSettings& m_defaults;
     std::unique_ptr<FileIcons> m_icons; ///< made for the first dialog

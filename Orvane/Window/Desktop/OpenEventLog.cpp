@@ -17,6 +17,7 @@ void logOpenEvents(const std::set<std::filesystem::path>& accepted)
         return;
     // As bytes: the order of paths goes by their components.
     std::vector<std::string> lines;
+    lines.reserve(accepted.size());
     for (const std::filesystem::path& path : accepted)
         lines.push_back(textFromPath(path).toStdString() + "\n");
     std::sort(lines.begin(), lines.end());

@@ -3,12 +3,15 @@
 #include "FileManager.h"
 #include "Icon.h"
 #include "Pasteboard.h"
+#include "PathText.h"
+#include "Programs.h"
 #include "SharedPicture.h"
 
 #include <QApplication>
 #include <QCoreApplication>
 #include <QMainWindow>
 #include <QMenu>
+#include <QMimeDatabase>
 #include <QPointer>
 #include <QThreadPool>
 
@@ -24,6 +27,8 @@ namespace fs = std::filesystem;
 
 /// From the window's right edge, and from its top: below the toolbar.
 constexpr QPoint inset(12, 56);
+/// This program itself is no other to open the image with.
+constexpr const char* ownEntry = "orvane.desktop";
 
 /// What the menu's actions share. The desktop outlives the window.
 struct Shared {
@@ -51,7 +56,7 @@ void email(const Shared& shared)
     tell(shared.desktop, "The mail program couldn't be opened", emailFile(shared.file));
 }
 
-void openWith(const Shared& shared)
+void openWithDefault(const Shared& shared)
 {
     tell(shared.desktop, "The image couldn't be opened", openFile(shared.file));
 }
@@ -82,14 +87,32 @@ void showInFolder(const Shared& shared)
     shared.desktop.reveal(shared.file);
 }
 
+/// The programs for files of this kind; the desktop's own choice when none is known.
+void addPrograms(QMenu& menu, const Shared& shared)
+{
+    const QString kind =
+        QMimeDatabase()
+            .mimeTypeForFile(textFromPath(shared.file), QMimeDatabase::MatchExtension)
+            .name();
+    for (const Program& program : programsFor(kind)) {
+        if (program.id != ownEntry)
+            menu.addAction(QString(program.name).replace('&', "&&"), [shared, program] {
+                tell(shared.desktop, "The image couldn't be opened",
+                     orvane::openWith(program, shared.file));
+            });
+    }
+    if (menu.isEmpty())
+        menu.addAction(translated("Default Program"), [shared] { openWithDefault(shared); });
+}
+
 struct Way {
     const char* name;
     std::string_view icon;
-    void (*take)(const Shared&);
+    void (*take)(const Shared&); ///< null: a choice of programs
 };
 constexpr Way ways[] = {
     {QT_TRANSLATE_NOOP("ShareMenu", "Email"), "mail", email},
-    {QT_TRANSLATE_NOOP("ShareMenu", "Open With"), "external-link", openWith},
+    {QT_TRANSLATE_NOOP("ShareMenu", "Open With"), "external-link", nullptr},
     {QT_TRANSLATE_NOOP("ShareMenu", "Copy File"), "copy", copyFile},
     {QT_TRANSLATE_NOOP("ShareMenu", "Copy Image"), "image", copyImage},
     {QT_TRANSLATE_NOOP("ShareMenu", "Show in File Manager"), "folder-open", showInFolder},
@@ -103,8 +126,13 @@ void popUpShareMenu(QMainWindow& window, Desktop& desktop, const fs::path& file)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setAccessibleName(translated("Share"));
     const Shared shared{window, desktop, file};
-    for (const Way& way : ways)
-        menu->addAction(icon(way.icon), translated(way.name), [shared, way] { way.take(shared); });
+    for (const Way& way : ways) {
+        if (way.take)
+            menu->addAction(icon(way.icon), translated(way.name),
+                            [shared, way] { way.take(shared); });
+        else
+            addPrograms(*menu->addMenu(icon(way.icon), translated(way.name)), shared);
+    }
     const int left = window.width() - menu->sizeHint().width() - inset.x();
     menu->popup(window.mapToGlobal(QPoint(left, inset.y())));
 }

@@ -75,8 +75,10 @@ QList<int> WindowFrame::columnWidths() const
         widthsOfText(m_defaults.value(columnsKey).toString(), m_columns->count());
     QList<int> widths = m_columns->sizes();
     for (int i = 0; i < widths.size(); ++i) {
-        if (m_columns->widget(i)->isHidden())
-            widths[i] = last.isEmpty() ? m_columns->widget(i)->sizeHint().width() : last[i];
+        const QWidget& column = *m_columns->widget(i);
+        const int wanted = column.sizeHint().isValid() ? column.sizeHint().width() : column.width();
+        if (column.isHidden())
+            widths[i] = last.isEmpty() ? wanted : last[i];
     }
     return widths;
 }

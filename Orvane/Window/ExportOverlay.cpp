@@ -1,42 +1,72 @@
 #include "ExportOverlay.h"
 
+#include "AppModel.h"
+#include "ProgressLine.h"
+#include "Theme.h"
+
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 namespace orvane {
 
-ExportOverlay::ExportOverlay(QWidget* canvas)
+namespace {
+
+constexpr int dimming = 150; ///< of 255
+constexpr int cardWidth = 240;
+
+QString look()
+{
+    return QString("QWidget#card { background: %1; border: 1px solid %2; border-radius: 8px; }")
+        .arg(Theme::section.name(), Theme::border.name());
+}
+
+} // namespace
+
+ExportOverlay::ExportOverlay(AppModel& model, QWidget* canvas)
     : QWidget(canvas)
-    , m_label(new QLabel(tr("Preparing export…")))
-    , m_cancel(new QPushButton(tr("Cancel")))
+    , m_model(model)
+    , m_progress(new ProgressLine(tr("Progress of the export")))
+    , m_watch([this] { refresh(); })
 {
     setCursor(Qt::ArrowCursor);
     setFocusPolicy(Qt::StrongFocus);
-    auto* progress = new QProgressBar;
-    progress->setRange(0, 0);
-    progress->setTextVisible(false);
-    progress->setFixedSize(180, 6);
-    auto* column = new QVBoxLayout(this);
-    column->setSpacing(12);
-    column->addStretch(1);
-    column->addWidget(m_label, 0, Qt::AlignHCenter);
-    column->addWidget(progress, 0, Qt::AlignHCenter);
-    column->addWidget(m_cancel, 0, Qt::AlignHCenter);
-    column->addStretch(1);
+    setAccessibleName(tr("Preparing export…"));
+    setStyleSheet(look());
+    auto* cancel = new QPushButton(tr("Cancel"));
+    cancel->setFixedHeight(28);
+    auto* card = new QWidget;
+    card->setObjectName("card");
+    card->setFixedWidth(cardWidth);
+    auto* column = new QVBoxLayout(card);
+    column->setContentsMargins(20, 18, 20, 18);
+    column->setSpacing(14);
+    column->addWidget(new QLabel(tr("Preparing export…")), 0, Qt::AlignHCenter);
+    column->addWidget(m_progress);
+    column->addWidget(cancel, 0, Qt::AlignHCenter);
+    auto* middle = new QVBoxLayout(this);
+    middle->addWidget(card, 0, Qt::AlignCenter);
     hide();
     canvas->installEventFilter(this);
 
-    connect(m_cancel, &QPushButton::clicked, this, &ExportOverlay::cancel);
+    connect(cancel, &QPushButton::clicked, this, [this] { m_model.cancelExport(); });
+    m_watch.watch(model.isExporting, model.exportProgress);
+    refresh();
+}
+
+void ExportOverlay::refresh()
+{
+    m_progress->setFraction(m_model.exportProgress);
+    if (m_model.isExporting && isHidden())
+        begin();
+    else if (!m_model.isExporting && !isHidden())
+        end();
 }
 
 void ExportOverlay::begin()
 {
-    m_label->setText(tr("Preparing export…"));
-    m_cancel->setEnabled(true);
     setGeometry(parentWidget()->rect());
     show();
     raise();
@@ -53,16 +83,6 @@ void ExportOverlay::end()
         parentWidget()->setFocus();
 }
 
-void ExportOverlay::cancel()
-{
-    if (!m_cancel->isEnabled())
-        return;
-    setFocus();
-    m_cancel->setEnabled(false);
-    m_label->setText(tr("Stopping…"));
-    Q_EMIT cancelled();
-}
-
 bool ExportOverlay::eventFilter(QObject* canvas, QEvent* event)
 {
     if (event->type() == QEvent::Resize)
@@ -73,14 +93,16 @@ bool ExportOverlay::eventFilter(QObject* canvas, QEvent* event)
 void ExportOverlay::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape)
-        cancel();
+        m_model.cancelExport();
     else
         QWidget::keyPressEvent(event);
 }
 
 void ExportOverlay::paintEvent(QPaintEvent*)
 {
-    QPainter(this).fillRect(rect(), QColor(0x1b, 0x1b, 0x1b, 200));
+    QColor dark = Theme::border;
+    dark.setAlpha(dimming);
+    QPainter(this).fillRect(rect(), dark);
 }
 
 } // namespace orvane

@@ -1,27 +1,24 @@
 #pragma once
 
+#include "FieldWatch.h"
+
 #include <QWidget>
 
-class QLabel;
 class QPushButton;
 
 namespace orvane {
 
-/// Lies over the canvas while a file is being written: dims it, says so and offers to stop, by
-/// button or Escape.
+class AppModel;
+class ProgressLine;
+
+/// Lies over the canvas while a picture is exported: dims it, says how far that is and offers to
+/// stop, by button or Escape.
 class ExportOverlay final : public QWidget {
     Q_OBJECT
 
 public:
-    /// Covers `canvas` and follows its size. Hidden at first.
-    explicit ExportOverlay(QWidget* canvas);
-
-    void begin();
-    /// Gives the focus back to the canvas if it lies here.
-    void end();
-
-Q_SIGNALS:
-    void cancelled();
+    /// Covers `canvas` and follows its size.
+    ExportOverlay(AppModel& model, QWidget* canvas);
 
 protected:
     bool eventFilter(QObject* canvas, QEvent* event) override;
@@ -29,10 +26,14 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void cancel();
+    void refresh();
+    void begin();
+    /// Gives the focus back to the canvas if it lies here.
+    void end();
 
-    QLabel* m_label;
-    QPushButton* m_cancel;
+    AppModel& m_model;
+    ProgressLine* m_progress;
+    FieldWatch m_watch;
 };
 
 } // namespace orvane

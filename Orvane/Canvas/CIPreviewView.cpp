@@ -1,8 +1,10 @@
 #include "CIPreviewView.h"
 
 #include "AppModel.h"
+#include "OverlayPainter.h"
 #include "Theme.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QPainter>
@@ -32,8 +34,11 @@ CIPreviewView::CIPreviewView(AppModel& model, QThreadPool& pool, QWidget* parent
     , m_pool(pool)
     , m_scheduler(pool, debounce)
     , m_zoom(model)
+    , m_tools(makeCanvasTools(model))
     , m_watch([this] { refresh(); })
+    , m_toolWatch([this] { followTools(); })
 {
+    setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled, false);
     setMouseTracking(true);
@@ -41,6 +46,7 @@ CIPreviewView::CIPreviewView(AppModel& model, QThreadPool& pool, QWidget* parent
     setAccessibleName(tr("Picture"));
     connect(&m_scheduler, &RenderScheduler::rendered, this, &CIPreviewView::take);
     connect(&m_zoom, &CanvasZoom::scaleChanged, this, &CIPreviewView::scaleChanged);
+    connect(&m_zoom, &CanvasZoom::scaleChanged, this, &CIPreviewView::describe);
     connect(&m_zoom, &CanvasZoom::moved, this, [this] {
         updateCursor();
         update();
@@ -49,7 +55,11 @@ CIPreviewView::CIPreviewView(AppModel& model, QThreadPool& pool, QWidget* parent
                   model.lutAmount, model.lutID, model.lights, model.ciHealSpots, model.comparing,
                   model.rotation, model.flipH, model.flipV, model.crop, model.canvasAspect,
                   model.canvasFill, model.canvasColor, model.texts, model.cropMode, model.ciLUT);
+    m_toolWatch.watch(model.cropMode, model.crop, model.cropGuide, model.relightMode, model.lights,
+                      model.selectedLightID, model.healing, model.healSize, model.pickingWhite,
+                      model.texts, model.selectedTextID);
     m_watch.refresh();
+    m_toolWatch.refresh();
 }
 
 CanvasContent CIPreviewView::wantedContent() const
@@ -135,6 +145,7 @@ void CIPreviewView::take(const RenderedPicture& picture)
 void CIPreviewView::putOnScreen(const RenderedPicture& picture)
 {
     m_picture.set(picture);
+    m_shownCrop = picture.crop;
     m_failure = tr(picture.failure);
     m_zoom.setFrame(picture.frame);
     updateCursor();
@@ -154,20 +165,49 @@ void CIPreviewView::paintEvent(QPaintEvent*)
     if (m_picture.isEmpty()) {
         painter.setPen(palette().color(QPalette::PlaceholderText));
         painter.drawText(rect(), Qt::AlignCenter, m_failure.isEmpty() ? m_message : m_failure);
-        return;
+    } else {
+        paintPicture(painter);
+        paintTool(painter);
     }
+    if (m_showsFocus)
+        paintFocus(painter);
+}
+
+void CIPreviewView::paintPicture(QPainter& painter)
+{
     // In whole device pixels: at a fractional scale the view itself may begin between two, and any
     // other position would blur the picture.
     const QTransform toDevice = painter.deviceTransform();
+    painter.save();
     painter.setWorldTransform(toDevice.inverted());
     const CGRect place = pictureRect(mapping());
     const QPoint corner = toDevice.map(QPointF(place.minX(), place.minY())).toPoint();
     const QSize size = deviceSize(mapping(), toDevice.m11());
     m_picture.draw(painter, {corner, size});
+    painter.restore();
     if (m_picture.wantsFit(size, (QSizeF(rect().size()) * toDevice.m11()).toSize()))
         fitPicture(size);
     if (std::exchange(m_awaitsPaint, false))
         QMetaObject::invokeMethod(this, &CIPreviewView::picturePainted, Qt::QueuedConnection);
+}
+
+void CIPreviewView::paintTool(QPainter& painter)
+{
+    const CanvasTool* const active = tool();
+    if (!active)
+        return;
+    const QTransform toDevice = painter.deviceTransform();
+    painter.save();
+    painter.setWorldTransform(toDevice.inverted());
+    OverlayPainter overlay(painter, mapping(), toDevice);
+    active->paint(overlay);
+    painter.restore();
+}
+
+void CIPreviewView::paintFocus(QPainter& painter)
+{
+    painter.setPen(QPen(Theme::accent, 2));
+    painter.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
 }
 
 /// Scales a copy in the background. One at a time: when the size has changed meanwhile, the next
@@ -203,7 +243,7 @@ bool CIPreviewView::pinch(const QNativeGestureEvent& gesture)
         m_zoom.endPinch();
         return true;
     }
-    if (gesture.gestureType() != Qt::ZoomNativeGesture || m_picture.isEmpty())
+    if (gesture.gestureType() != Qt::ZoomNativeGesture || m_picture.isEmpty() || wantedTool())
         return false;
     m_zoom.pinch(toPoint(gesture.position()), 1 + gesture.value());
     return true;
@@ -220,50 +260,172 @@ void CIPreviewView::wheelEvent(QWheelEvent* event)
 void CIPreviewView::leaveEvent(QEvent*)
 {
     m_zoom.setPointer({});
+    if (tool() && !m_dragging) {
+        tool()->cancel();
+        update();
+    }
+}
+
+// ---- Tools and the pointer ----
+
+/// The first tool of the model that takes the pointer.
+CanvasTool* CIPreviewView::wantedTool() const
+{
+    for (const auto& each : m_tools) {
+        if (each->isActive())
+            return each.get();
+    }
+    return nullptr;
+}
+
+/// The same, once the picture on screen is the one that its places count in.
+CanvasTool* CIPreviewView::tool() const
+{
+    CanvasTool* const wanted = wantedTool();
+    if (!wanted || !mapping().hasFrame())
+        return nullptr;
+    const CGRect needed = wanted->needsWholeFrame() ? CGRect(0, 0, 1, 1) : m_model.crop.value();
+    return m_shownCrop == needed ? wanted : nullptr;
+}
+
+CanvasPointer CIPreviewView::pointer(const QPointF& position) const
+{
+    return {fractionAt(toPoint(position), mapping()), mapping()};
+}
+
+/// After the model's tools, or what they show, have changed.
+void CIPreviewView::followTools()
+{
+    CanvasTool* const wanted = wantedTool();
+    if (wanted != m_lastTool) {
+        for (CanvasTool* const ended : {m_lastTool, m_dragging}) {
+            if (ended)
+                ended->cancel();
+        }
+        m_dragging = nullptr;
+        // For the arrow keys.
+        if (wanted && wanted->needsWholeFrame())
+            setFocus(Qt::OtherFocusReason);
+        m_lastTool = wanted;
+    }
+    if (tool() && !m_dragging && underMouse())
+        tool()->hover(pointer(mapFromGlobal(QCursor::pos())));
+    describe();
+    updateCursor();
+    update();
 }
 
 void CIPreviewView::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || m_picture.isEmpty())
+    if (m_picture.isEmpty() || m_press || (m_dragging && event->button() != Qt::LeftButton))
         return;
-    m_press = event->position();
+    // A release that never came: some other window has it.
+    if (m_dragging)
+        std::exchange(m_dragging, nullptr)->cancel();
+    setShowsFocus(false);
+    if (event->button() == Qt::LeftButton && wantedTool()) {
+        m_dragging = tool();
+        if (m_dragging)
+            update(m_dragging->press(pointer(event->position())));
+    } else if (event->button() == Qt::LeftButton || event->button() == Qt::MiddleButton) {
+        m_press = event->position();
+    }
     updateCursor();
 }
 
 void CIPreviewView::mouseMoveEvent(QMouseEvent* event)
 {
     m_zoom.setPointer(toPoint(event->position()));
-    if (!m_press || effectiveZoom(mapping()) <= 1)
-        return;
-    const QPointF moved = event->position() - *m_press;
-    if (!m_zoom.isPanning() && std::hypot(moved.x(), moved.y()) < dragDistance)
-        return;
-    if (!m_zoom.isPanning())
-        m_zoom.startPan();
-    m_zoom.panBy(moved.x(), moved.y());
+    if (m_press) {
+        const QPointF moved = event->position() - *m_press;
+        const bool pans = m_zoom.isPanning() || std::hypot(moved.x(), moved.y()) >= dragDistance;
+        if (!pans || effectiveZoom(mapping()) <= 1)
+            return;
+        if (!m_zoom.isPanning())
+            m_zoom.startPan();
+        m_zoom.panBy(moved.x(), moved.y());
+    } else if (m_dragging) {
+        update(m_dragging->drag(pointer(event->position())));
+        updateCursor();
+    } else if (CanvasTool* const hovered = tool()) {
+        update(hovered->hover(pointer(event->position())));
+        updateCursor();
+    }
 }
 
 void CIPreviewView::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton)
+    if (event->buttons() & (Qt::LeftButton | Qt::MiddleButton))
         return;
     m_press.reset();
     m_zoom.endPan();
+    if (CanvasTool* const done = std::exchange(m_dragging, nullptr)) {
+        update(done->release(pointer(event->position())));
+        if (done == tool())
+            update(done->hover(pointer(event->position())));
+    }
     updateCursor();
 }
 
 void CIPreviewView::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton)
+    if (wantedTool())
+        mousePressEvent(event);
+    else if (event->button() == Qt::LeftButton)
         m_zoom.glideToFit();
+}
+
+void CIPreviewView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape && m_dragging) {
+        std::exchange(m_dragging, nullptr)->cancel();
+        update();
+        return;
+    }
+    CanvasTool* const active = wantedTool();
+    if (!active || m_dragging || !active->key(*event, mapping()))
+        QWidget::keyPressEvent(event);
 }
 
 void CIPreviewView::updateCursor()
 {
-    if (m_picture.isEmpty() || effectiveZoom(mapping()) <= 1)
-        unsetCursor();
+    if (m_press && effectiveZoom(mapping()) > 1)
+        setCursor(Qt::ClosedHandCursor);
+    else if (m_dragging || tool())
+        setCursor((m_dragging ? m_dragging : tool())->cursor());
+    else if (!m_picture.isEmpty() && effectiveZoom(mapping()) > 1 && !wantedTool())
+        setCursor(Qt::OpenHandCursor);
     else
-        setCursor(m_press ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+        unsetCursor();
+}
+
+// ---- Keyboard focus and words ----
+
+void CIPreviewView::focusInEvent(QFocusEvent* event)
+{
+    const Qt::FocusReason reason = event->reason();
+    setShowsFocus(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
+}
+
+void CIPreviewView::focusOutEvent(QFocusEvent*)
+{
+    setShowsFocus(false);
+}
+
+void CIPreviewView::setShowsFocus(bool shows)
+{
+    if (std::exchange(m_showsFocus, shows) != shows)
+        update();
+}
+
+/// What a screen reader says: the tool, and how large the picture is seen.
+void CIPreviewView::describe()
+{
+    const CanvasTool* const active = wantedTool();
+    const double zoom = m_model.zoom;
+    const QString size =
+        zoom == 1 ? tr("Zoom to fit") : tr("Zoom %1 percent").arg(std::lround(zoom * 100));
+    setAccessibleDescription(active ? active->description() + ' ' + size : size);
 }
 
 } // namespace orvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CanvasTool.h"
 #include "CanvasZoom.h"
 #include "FieldWatch.h"
 #include "RenderScheduler.h"
@@ -14,7 +15,7 @@ namespace orvane {
 class AppModel;
 
 /// The central view: the model's active picture with its edit, rendered in the background, with
-/// zoom and pan.
+/// zoom and pan, and over it the tool that has the pointer. Tools never wait for a render.
 class CIPreviewView final : public QWidget {
     Q_OBJECT
 
@@ -40,6 +41,9 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -54,6 +58,16 @@ private:
     void putOnScreen(const RenderedPicture& picture);
     void fitPicture(const QSize& size);
     bool pinch(const QNativeGestureEvent& gesture);
+    void paintPicture(QPainter& painter);
+    void paintTool(QPainter& painter);
+    void paintFocus(QPainter& painter);
+
+    CanvasTool* wantedTool() const;
+    CanvasTool* tool() const;
+    CanvasPointer pointer(const QPointF& position) const;
+    void followTools();
+    void setShowsFocus(bool shows);
+    void describe();
     void updateCursor();
 
     AppModel& m_model;
@@ -66,10 +80,16 @@ private:
     bool m_isFirstRender = true; ///< of this source; it reduces it too
     QString m_message;
     QString m_failure; ///< of the last render; shown in the message's place
-    std::optional<QPointF> m_press; ///< where the left button went down, in view points
+    CGRect m_shownCrop{0, 0, 1, 1}; ///< what the picture on screen shows of the whole frame
+    std::vector<std::unique_ptr<CanvasTool>> m_tools;
+    CanvasTool* m_lastTool = nullptr; ///< that had the pointer when the tools were last looked at
+    CanvasTool* m_dragging = nullptr; ///< that was told of a press and not yet of its end
+    std::optional<QPointF> m_press; ///< where a button that pans went down, in view points
+    bool m_showsFocus = false; ///< the focus has come by the keyboard
     bool m_isFitting = false; ///< a copy of the picture is being scaled in the background
     bool m_awaitsPaint = false;
     FieldWatch m_watch;
+    FieldWatch m_toolWatch;
 };
 
 } // namespace orvane

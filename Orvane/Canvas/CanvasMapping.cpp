@@ -43,17 +43,22 @@ CGRect pictureRect(const CanvasView& view)
             fitted.width() * zoom, fitted.height() * zoom};
 }
 
-std::optional<CGPoint> normalized(const CGPoint& viewPoint, const CanvasView& view)
+CGPoint fractionAt(const CGPoint& viewPoint, const CanvasView& view)
 {
-    if (!view.hasFrame())
-        return {};
     const double zoom = std::max(view.zoom, 1.0);
     const CGPoint centre{view.size.width * 0.5, view.size.height * 0.5};
     const CGPoint fittedPoint{centre.x + (viewPoint.x - view.pan.x - centre.x) / zoom,
                               centre.y + (viewPoint.y - view.pan.y - centre.y) / zoom};
     const CGRect fitted = fittedRect(view);
-    const CGPoint fraction{(fittedPoint.x - fitted.minX()) / fitted.width(),
-                           (fittedPoint.y - fitted.minY()) / fitted.height()};
+    return {(fittedPoint.x - fitted.minX()) / fitted.width(),
+            (fittedPoint.y - fitted.minY()) / fitted.height()};
+}
+
+std::optional<CGPoint> normalized(const CGPoint& viewPoint, const CanvasView& view)
+{
+    if (!view.hasFrame())
+        return {};
+    const CGPoint fraction = fractionAt(viewPoint, view);
     if (!isFraction(fraction.x) || !isFraction(fraction.y))
         return {};
     return fraction;

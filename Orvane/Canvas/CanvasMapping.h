@@ -33,6 +33,10 @@ CGRect pictureRect(const CanvasView& view);
 /// The image fractions under a view point; absent beyond the picture's edges or without a picture.
 std::optional<CGPoint> normalized(const CGPoint& viewPoint, const CanvasView& view);
 
+/// The same beyond the picture's edges too, where the fractions are below 0 or above 1. There must
+/// be a picture.
+CGPoint fractionAt(const CGPoint& viewPoint, const CanvasView& view);
+
 /// The inverse, also for fractions beyond 0..1; the view's centre without a picture.
 CGPoint viewPoint(const CGPoint& fraction, const CanvasView& view);
 

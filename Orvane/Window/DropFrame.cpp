@@ -49,9 +49,6 @@ void DropFrame::paintEvent(QPaintEvent*)
     frame.addRoundedRect(DevicePixels::aligned(painter, outer), Theme::radius, Theme::radius);
     frame.addRoundedRect(DevicePixels::aligned(painter, inner), Theme::radius - thickness,
                          Theme::radius - thickness);
-    QColor veil = Theme::accent;
-    veil.setAlpha(24);
-    painter.fillRect(rect(), veil);
     painter.fillPath(frame, Theme::accent);
 }
 

@@ -5,6 +5,7 @@
 #include "HueRow.h"
 #include "InspectorLayout.h"
 #include "ModelSlider.h"
+#include "SegmentedPicker.h"
 
 #include <QButtonGroup>
 #include <QVBoxLayout>
@@ -83,6 +84,8 @@ QWidget* ColorMixerSection::makeBands()
                 setBand(band);
         });
     }
+    tabToChosen(*group);
+    connect(group, &QButtonGroup::idToggled, group, [group] { tabToChosen(*group); });
     return line;
 }
 

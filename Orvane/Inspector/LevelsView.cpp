@@ -25,7 +25,7 @@ LevelsView::LevelsView(QWidget* parent)
 
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
-    grid->setHorizontalSpacing(8);
+    grid->setHorizontalSpacing(6);
     grid->setVerticalSpacing(4);
     grid->setColumnStretch(1, 1);
     grid->addWidget(m_plot, 0, 0, 1, 2);

@@ -25,6 +25,16 @@ QString look()
 
 } // namespace
 
+void tabToChosen(QButtonGroup& group)
+{
+    const auto buttons = group.buttons();
+    const QAbstractButton* chosen = group.checkedButton();
+    for (QAbstractButton* button : buttons) {
+        const bool isReached = button == (chosen ? chosen : buttons.front());
+        button->setFocusPolicy(isReached ? Qt::StrongFocus : Qt::ClickFocus);
+    }
+}
+
 SegmentedPicker::SegmentedPicker(const QString& name, Choices choices, int columns, QWidget* parent)
     : QWidget(parent)
     , m_choices(std::move(choices))
@@ -46,7 +56,9 @@ SegmentedPicker::SegmentedPicker(const QString& name, Choices choices, int colum
         grid->addWidget(button, i / width, i % width);
         grid->setColumnStretch(i % width, 1);
     }
+    tabToChosen(*m_group);
     connect(m_group, &QButtonGroup::idToggled, this, [this](int id, bool isOn) {
+        tabToChosen(*m_group);
         if (isOn)
             Q_EMIT picked(m_choices[size_t(id)].first);
     });
@@ -67,6 +79,7 @@ void SegmentedPicker::choose(const QString& key)
     for (int i = 0; i < int(m_choices.size()); ++i)
         m_group->button(i)->setChecked(m_choices[size_t(i)].first == key);
     m_group->setExclusive(true);
+    tabToChosen(*m_group);
 }
 
 } // namespace orvane

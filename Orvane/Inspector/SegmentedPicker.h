@@ -10,6 +10,10 @@ class QButtonGroup;
 
 namespace orvane {
 
+/// Lets Tab come to the chosen button of a group, or to its first while none is chosen. To be
+/// called after each choice: by itself the toolkit stays with the button that last had the focus.
+void tabToChosen(QButtonGroup& group);
+
 /// One choice of a few, all in sight. Tab reaches the chosen one, arrow keys choose another.
 class SegmentedPicker final : public QWidget {
     Q_OBJECT

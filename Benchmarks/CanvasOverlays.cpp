@@ -37,7 +37,7 @@ const Row rows[] = {
     {"crop, a corner",
      [](AppModel& m) { m.enterCrop(); },
      [](AppModel& m) { m.cancelCrop(); },
-     {0, 0},
+     {0.01, 0.01},
      {0.6, 0.6}},
     {"crop, moved",
      [](AppModel& m) {
@@ -73,17 +73,17 @@ const Row rows[] = {
      [](AppModel& m) { m.cancelRelight(); },
      {0.1, 0.1},
      {0.9, 0.9}},
-    {"retouch",
-     [](AppModel& m) { m.toggleHeal(); },
-     [](AppModel& m) { m.toggleHeal(); },
-     {0.1, 0.9},
-     {0.9, 0.1}},
     {"a caption",
      [](AppModel& m) { m.addText(); },
      [](AppModel& m) { m.deleteText(m.selectedTextID.value()); },
      {0.5, 0.85},
      {0.3, 0.2}},
     {"pan at zoom 2", [](AppModel&) {}, [](AppModel&) {}, {0.5, 0.5}, {0.7, 0.7}, 2},
+    {"retouch",
+     [](AppModel& m) { m.toggleHeal(); },
+     [](AppModel& m) { m.toggleHeal(); },
+     {0.1, 0.9},
+     {0.9, 0.1}},
 };
 
 void waitUntil(const std::function<bool()>& condition)
@@ -130,6 +130,7 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // each line as it is measured
     if (argc != 2 && argc != 4) {
         std::fprintf(stderr, "canvas-overlays PICTURE [WIDTH HEIGHT]\n");
         return 2;

@@ -44,7 +44,7 @@ QRegion difference(const CGRect& before, const CGRect& after, const CanvasView& 
         return Footprint::outline(rect.inset(handleWidth, handleWidth))
             + Footprint::outline(rect.inset(-handleWidth, -handleWidth));
     };
-    return Footprint::area(a) + Footprint::area(b) + handles(a) + handles(b);
+    return Footprint::area(a).united(Footprint::area(b)) + handles(a) + handles(b);
 }
 
 void paintHandles(OverlayPainter& painter, const QRectF& crop)
@@ -192,7 +192,7 @@ QCursor CropTool::cursor() const
 
 void CropTool::paint(OverlayPainter& painter) const
 {
-    const QRectF whole = onScreen(painter, {0, 0, 1, 1});
+    const QRectF whole = painter.picture();
     const QRectF crop = onScreen(painter, shown());
     painter.fill({whole.topLeft(), QPointF(whole.right(), crop.top())}, shade);
     painter.fill({QPointF(whole.left(), crop.bottom()), whole.bottomRight()}, shade);

@@ -77,7 +77,7 @@ void paintRadial(OverlayPainter& painter, const EditState::Light& light, bool is
     painter.circle(centre, radius, isSelected ? Line::Strong : Line::Faint);
     const double full = radius * (1 - std::clamp(light.feather, 0.0, 1.0));
     if (isSelected && full > painter.points(knobReach) && full < radius - painter.points(3))
-        painter.circle(centre, full, Line::Dashed);
+        painter.circle(centre, full, Line::Faint);
 }
 
 QRegion linearFootprint(const EditState::Light& light, const CanvasView& view)

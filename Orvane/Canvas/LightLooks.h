@@ -11,7 +11,7 @@ class OverlayPainter;
 
 /// How a light that is no brush looks on the canvas.
 ///
-/// Radial: its ring, with a dashed one inside up to which the light is full. Linear: the line
+/// Radial: its ring, with a fainter one inside up to which the light is full. Linear: the line
 /// through its centre and the two, tangent to its ring, between which the light grows, with an
 /// arrow to the full side and the angle beside it.
 namespace LightLooks {

@@ -1,5 +1,6 @@
 #include "OverlayPainter.h"
 
+#include "ScreenPicture.h"
 #include "Theme.h"
 
 #include <algorithm>
@@ -27,6 +28,11 @@ OverlayPainter::OverlayPainter(QPainter& painter, const CanvasView& view,
     , m_hairline(std::max(1.0, std::floor(m_scale)))
 {
     m_painter.setRenderHint(QPainter::Antialiasing);
+}
+
+QRectF OverlayPainter::picture() const
+{
+    return {at({0, 0}).toPoint(), deviceSize(m_view, m_scale)};
 }
 
 QPointF OverlayPainter::at(const CGPoint& fraction) const
@@ -218,7 +224,7 @@ QRegion segment(const CGPoint& from, const CGPoint& to, double width)
 
 QRegion circle(const CGPoint& centre, double radius)
 {
-    const int pieces = std::clamp(int(radius / 8), 8, 64);
+    const int pieces = std::clamp(int(radius / 16), 8, 40);
     QRegion region;
     CGPoint from{centre.x + radius, centre.y};
     for (int i = 1; i <= pieces; ++i) {

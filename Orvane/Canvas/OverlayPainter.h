@@ -24,6 +24,8 @@ public:
     OverlayPainter(QPainter& painter, const CanvasView& view, const QTransform& toDevice);
 
     const CanvasView& view() const { return m_view; }
+    /// The device pixels that the picture covers: whole ones.
+    QRectF picture() const;
     /// The device pixels of a fraction.
     QPointF at(const CGPoint& fraction) const;
     /// The device pixels of a fraction of the picture's long edge.

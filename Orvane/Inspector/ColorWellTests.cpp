@@ -103,6 +103,9 @@ TEST_F(ColorWellTest, KeepsTheHueOnTheWayThroughGreyAndBlack)
     EXPECT_EQ(picked.last(), "#000000");
     QTest::mouseClick(shades, Qt::LeftButton, {}, {400, 0});
     EXPECT_EQ(QColor(picked.last()).hsvHue(), 200);
+    well.setColor(QColor("#808080")); // an undo, say
+    QTest::mouseClick(shades, Qt::LeftButton, {}, {400, 1});
+    EXPECT_EQ(QColor(picked.last()).hsvHue(), 200);
 }
 
 TEST_F(ColorWellTest, TakesHexNumbersAndNothingElse)

@@ -36,8 +36,9 @@ QImage roundedCover(const QImage& picture, const QSize& size, double radius)
     QPainter painter(&result);
     painter.setRenderHint(QPainter::Antialiasing);
     QBrush brush(scaled);
-    brush.setTransform(QTransform::fromTranslate((size.width() - scaled.width()) / 2,
-                                                 (size.height() - scaled.height()) / 2));
+    const QSize beyond = size - scaled.size();
+    const QPoint corner(beyond.width() / 2, beyond.height() / 2);
+    brush.setTransform(QTransform::fromTranslate(corner.x(), corner.y()));
     painter.setBrush(brush);
     painter.setPen(Qt::NoPen);
     painter.drawRoundedRect(QRectF(QPointF(), QSizeF(size)), radius, radius);

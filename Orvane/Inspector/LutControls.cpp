@@ -25,7 +25,7 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(QColor(0x50, 0x50, 0x50), 1));
-        painter.setBrush(Theme::section);
+        painter.setBrush(Theme::panel);
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::radius,
                                 Theme::radius);
     }
@@ -39,9 +39,11 @@ protected:
     void paintEvent(QPaintEvent*) override
     {
         QPainter painter(this);
-        drawIcon(painter, icon("triangle-alert", Theme::text, IconForm::Filled),
-                 QRectF(rect()).center(), iconSize);
+        drawIcon(painter, m_sign, QRectF(rect()).center(), iconSize);
     }
+
+private:
+    QIcon m_sign = icon("triangle-alert", Theme::text, IconForm::Filled);
 };
 
 /// One line, cut off in the middle when it is too long.

@@ -87,6 +87,8 @@ GlyphButton::GlyphButton(const QIcon& icon, const QString& help, QWidget* parent
 
 void GlyphButton::setHelp(const QString& help)
 {
+    if (help == toolTip())
+        return;
     setToolTip(help);
     setAccessibleName(help);
 }

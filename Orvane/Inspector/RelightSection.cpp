@@ -42,11 +42,16 @@ constexpr AddButton addButtons[] = {
      QT_TRANSLATE_NOOP("RelightSection", "Paint the effect on by hand")},
 };
 
-const char* iconOf(const AppModel::Light& light)
+/// Each read once: the list is looked through at every step of a slider.
+const QIcon& iconOf(const AppModel::Light& light)
 {
+    static const QIcon brush = icon("brush");
+    static const QIcon eraser = icon("eraser");
+    static const QIcon gradient = icon("contrast");
+    static const QIcon radial = icon("sun");
     if (light.type == "brush")
-        return light.mode == "erase" ? "eraser" : "brush";
-    return light.type == "linear" ? "contrast" : "sun";
+        return light.mode == "erase" ? eraser : brush;
+    return light.type == "linear" ? gradient : radial;
 }
 
 /// Null with none.
@@ -168,7 +173,7 @@ void RelightSection::showList()
         const QString name = tr(light.name().c_str());
         shown.push_back({.id = light.id,
                          .text = name,
-                         .icon = icon(iconOf(light)),
+                         .icon = iconOf(light),
                          .removeHelp = tr("Remove this %1").arg(name),
                          .isCurrent = light.id == m_model.selectedLightID.value()});
     }

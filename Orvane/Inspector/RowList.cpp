@@ -77,6 +77,9 @@ RowList::RowList(const QString& name, int mostVisible, QWidget* parent)
     m_column->setSpacing(2);
     m_column->addStretch(1);
     m_scroll->setWidget(content);
+    // The ground is the section's.
+    content->setAutoFillBackground(false);
+    m_scroll->viewport()->setAutoFillBackground(false);
     m_scroll->setWidgetResizable(true);
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -134,7 +137,9 @@ void RowList::showRow(Line& line, const Row& row)
     // A text of several lines is one name.
     line.button->setText(row.text.simplified());
     line.button->setAccessibleName(line.button->text());
-    line.button->setIcon(row.icon);
+    // Only another one: it would lay the panel out anew.
+    if (line.button->icon().cacheKey() != row.icon.cacheKey())
+        line.button->setIcon(row.icon);
     line.button->setFaint(row.isFaint);
     line.button->setChecked(row.isCurrent);
     line.remove->setHelp(row.removeHelp);
@@ -147,18 +152,21 @@ void RowList::show(const std::vector<Row>& rows)
     rescueFocus(count);
     while (int(m_lines.size()) < count)
         addLine();
-    int tabbed = -1;
+    int current = -1;
+    int focused = -1;
     for (int i = 0; i < int(m_lines.size()); ++i) {
         Line& line = m_lines[size_t(i)];
         line.widget->setVisible(i < count);
         if (i >= count)
             continue;
         showRow(line, rows[size_t(i)]);
-        if (rows[size_t(i)].isCurrent || line.button->hasFocus() || line.remove->hasFocus())
-            tabbed = i;
+        if (rows[size_t(i)].isCurrent)
+            current = i;
+        if (line.button->hasFocus() || line.remove->hasFocus())
+            focused = i;
     }
     m_count = count;
-    makeCurrent(std::max(tabbed, 0));
+    makeCurrent(std::max(focused >= 0 ? focused : current, 0));
     const int visible = std::min(count, m_mostVisible);
     setFixedHeight(std::max(0, visible * (rowHeight + 2) - 2));
     setVisible(count > 0);

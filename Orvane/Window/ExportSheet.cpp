@@ -106,7 +106,8 @@ QString look()
                    "QPushButton#export:focus { border: 2px solid %5; }"
                    "QPushButton#export:disabled { background: %6; color: %7;"
                    " border-color: %6; }"
-                   "QPushButton#share { padding: 0; }")
+                   "QPushButton#share { padding: 0; }"
+                   "QLineEdit#percent { padding: 0; font-size: 12px; }")
         .arg(Theme::section.name(), Theme::text.name(), Theme::border.name(),
              Theme::secondaryText.name(), Theme::accent.name(), Theme::raised.name(),
              Theme::disabledText.name());
@@ -182,6 +183,7 @@ QWidget* ExportSheet::qualityRow()
     m_quality->setObjectName("Export quality");
     m_quality->setAccessibleName(tr("Quality"));
     m_qualityField->setAccessibleName(tr("Quality"));
+    m_qualityField->setObjectName("percent");
     m_qualityField->setFixedSize(fieldWidth, 22);
     m_qualityField->setAlignment(Qt::AlignRight);
     auto* control = new QWidget;
@@ -256,8 +258,10 @@ void ExportSheet::followModel()
         return;
     }
     showChoices();
-    if (!isVisible())
-        open();
+    if (isVisible())
+        return;
+    open();
+    activateWindow();
 }
 
 void ExportSheet::showChoices()

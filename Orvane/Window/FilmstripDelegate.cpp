@@ -93,9 +93,11 @@ void FilmstripDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
             .paint(painter, QRect(middle.x() - 8, middle.y() - 8, 16, 16));
     }
 
-    if (cell.isActive)
+    if (cell.isActive) {
+        // Its dark inner line parts it from a picture of any colour.
+        outline(*painter, rect, 3, Theme::border);
         outline(*painter, rect, 2, Theme::accent);
-    else if (option.state & QStyle::State_MouseOver)
+    } else if (option.state & QStyle::State_MouseOver)
         outline(*painter, rect, 1, Theme::secondaryText);
     // Where the keys are: the frame of the active one is the accent too, so this one goes round it.
     if (option.state & QStyle::State_HasFocus)

@@ -69,7 +69,7 @@ QString paragraph(const char* text, const HelpWindow::Keys& keys)
 QString table(const HelpText::Group& group, const HelpWindow::Keys& keys)
 {
     QString html =
-        QString("<p style='margin-top:18px; margin-bottom:4px; color:%1'>%2</p>"
+        QString("<p style='margin-top:18px; margin-bottom:8px; color:%1'>%2</p>"
                 "<table width='100%' cellspacing='0' cellpadding='4' style='margin-left:-4px'>")
             .arg(Theme::secondaryText.name(), translated(group.title).toHtmlEscaped());
     for (const HelpText::Row& row : group.rows)

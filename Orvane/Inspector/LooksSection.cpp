@@ -66,7 +66,7 @@ LooksSection::LooksSection(AppModel& model, QWidget* parent)
     auto* pop = new PanelButton("wand-sparkles", tr("Make it Pop"));
     auto* save = new PanelButton("download", tr("Save This Look…"));
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 2, 0, 10);
+    column->setContentsMargins(0, 2, 0, 2);
     column->setSpacing(8);
     for (QWidget* each : {static_cast<QWidget*>(m_grid), static_cast<QWidget*>(m_strength),
                           static_cast<QWidget*>(pop), static_cast<QWidget*>(m_saved),

@@ -79,7 +79,7 @@ RelightSection::RelightSection(AppModel& model, QWidget* parent)
     Theme::makeSecondary(*m_hint);
     m_hint->setWordWrap(true);
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 2, 0, 10);
+    column->setContentsMargins(0, 2, 0, 2);
     column->setSpacing(8);
     column->addWidget(makeAddButtons());
     column->addWidget(m_hint);

@@ -37,7 +37,7 @@ RetouchSection::RetouchSection(AppModel& model, QWidget* parent)
     healed->addLayout(buttons);
 
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 2, 0, 10);
+    column->setContentsMargins(0, 2, 0, 2);
     column->setSpacing(6);
     column->addWidget(m_heal);
     column->addWidget(m_size);

@@ -59,7 +59,7 @@ TextSection::TextSection(AppModel& model, QWidget* parent)
 {
     auto* add = new PanelButton("type", tr("Add Text"));
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 2, 0, 10);
+    column->setContentsMargins(0, 2, 0, 2);
     column->setSpacing(8);
     column->addWidget(add);
     column->addWidget(m_list);

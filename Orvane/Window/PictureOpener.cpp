@@ -3,6 +3,7 @@
 #include "AppModel.h"
 #include "SourceKey.h"
 
+#include <QFutureWatcher>
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -97,10 +98,15 @@ void PictureOpener::goOn()
         ? std::move(*batch.first)
         : reading(m_pool, Files(from, from + std::ptrdiff_t(count)));
     Q_EMIT changed();
-    read.then(this, [this, number = ++m_number](ReadImages result) {
+    // Through the event loop even when it is there already: who opens files is not called back
+    // from within.
+    auto* watcher = new QFutureWatcher<ReadImages>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, number = ++m_number] {
+        watcher->deleteLater();
         if (number == m_number)
-            take(std::move(result));
+            take(watcher->future().takeResult());
     });
+    watcher->setFuture(read);
 }
 
 void PictureOpener::take(ReadImages read)

@@ -155,12 +155,8 @@ void TextTool::paint(OverlayPainter& painter) const
                              .adjusted(-room, -room, room, room);
     if (m_drag && m_drag->hasMoved)
         paintWords(painter, caption);
+    // Without handles at its corners: it can only be moved.
     painter.frame(frame);
-    for (const QPointF& corner :
-         {frame.topLeft(), frame.topRight(), frame.bottomLeft(), frame.bottomRight()}) {
-        const double half = painter.points(3);
-        painter.bar({corner - QPointF(half, half), QSizeF(half * 2, half * 2)});
-    }
 }
 
 /// The picture has the caption where it was until it is rendered anew.

@@ -23,7 +23,6 @@ namespace {
 constexpr int headerHeight = 32;
 constexpr double chevron = 12;
 constexpr int padding = 10; ///< between the edges and what lies within
-constexpr int openingTime = 120; ///< ms
 
 /// A chevron that points down while it is checked, and a title.
 class HeaderButton final : public QAbstractButton {

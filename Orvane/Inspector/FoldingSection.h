@@ -24,6 +24,7 @@ class FoldingSection final : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr int openingTime = 120; ///< ms
     using Maker = std::function<QWidget*(QWidget* parent)>;
     FoldingSection(const QString& title, Maker make, bool isExpanded, QWidget* parent = nullptr);
 

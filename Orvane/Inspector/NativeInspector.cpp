@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QTimer>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -149,6 +150,17 @@ void NativeInspector::setExpanded(const QString& name, bool expanded)
 {
     if (FoldingSection* found = section(name))
         found->setExpanded(expanded);
+}
+
+void NativeInspector::reveal(const QString& name)
+{
+    FoldingSection* found = section(name);
+    if (!found)
+        return;
+    found->setExpanded(true);
+    // Once it has its full height.
+    QTimer::singleShot(FoldingSection::openingTime, found,
+                       [this, found] { m_scroll->ensureWidgetVisible(found, 0, 8); });
 }
 
 void NativeInspector::takeExpanded(const QString& name, bool isExpanded)

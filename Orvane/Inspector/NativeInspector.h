@@ -30,6 +30,8 @@ public:
     const std::set<QString>& expanded() const { return m_expanded; }
     /// Opens or folds a section; does nothing for a name that there is not.
     void setExpanded(const QString& name, bool expanded);
+    /// Opens a section and scrolls it into sight.
+    void reveal(const QString& name);
     /// Null for a name that there is not.
     FoldingSection* section(const QString& name) const;
 

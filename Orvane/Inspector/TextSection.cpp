@@ -67,7 +67,13 @@ TextSection::TextSection(AppModel& model, QWidget* parent)
     setTabOrder(add, m_list);
     setTabOrder(m_list, m_details);
 
-    connect(add, &QPushButton::clicked, this, [this] { m_model.addText(); });
+    // What is typed next is the new caption's text.
+    connect(add, &QPushButton::clicked, this, [this] {
+        m_model.addText();
+        m_watch.refresh();
+        m_text->setFocus(Qt::OtherFocusReason);
+        m_text->selectAll();
+    });
     connect(m_list, &RowList::picked, this,
             [this](const std::string& id) { m_model.selectText(id); });
     m_watch.watch(model.texts, model.selectedTextID);

@@ -112,9 +112,16 @@ void MainWindow::openSettings()
     present(m_settings, [this] { return new SettingsWindow(model, desktop, this); });
 }
 
-/// A tool that begins takes the keys, so that arrows, Enter and Escape reach it.
+/// A tool that begins takes the keys, so that arrows, Enter and Escape reach it, and shows its part
+/// of the panel.
 void MainWindow::focusTool()
 {
+    if (model.cropMode)
+        m_inspector->reveal("Crop");
+    else if (model.relightMode)
+        m_inspector->reveal("Relight");
+    else if (model.healing)
+        m_inspector->reveal("Retouch");
     const bool isToolOn =
         model.cropMode || model.relightMode || model.healing || model.pickingWhite;
     const QWidget* focused = QApplication::focusWidget();

@@ -31,6 +31,8 @@ QString buttonStyle()
              Theme::disabledText.name());
 }
 
+constexpr int leastInfo = 90; ///< what a shortened name needs to be one
+
 /// A thin line between two groups of buttons.
 QWidget* divider()
 {
@@ -132,9 +134,23 @@ void Toolbar::refresh()
         if (m_model.comparing)
             m_infoText += "   " + tr("Original");
     }
-    m_info->setText(m_info->fontMetrics().elidedText(m_infoText, Qt::ElideMiddle, m_info->width()));
+    showInfo();
     m_info->setToolTip(m_infoText);
     showZoom();
+}
+
+/// As much as there is room for: all of it, or the name alone, or nothing rather than a few
+/// letters.
+void Toolbar::showInfo()
+{
+    const QFontMetrics metrics = m_info->fontMetrics();
+    const QString name = m_infoText.section("   ", 0, 0);
+    const int room = m_info->width();
+    if (metrics.horizontalAdvance(m_infoText) <= room)
+        m_info->setText(m_infoText);
+    else
+        m_info->setText(room < leastInfo ? QString()
+                                         : metrics.elidedText(name, Qt::ElideMiddle, room));
 }
 
 void Toolbar::showZoom()

@@ -34,6 +34,7 @@ protected:
 private:
     void addButtons(QHBoxLayout& row, std::initializer_list<const char*> ids);
     void refresh();
+    void showInfo();
     void showZoom();
     void zoomOrFit();
 

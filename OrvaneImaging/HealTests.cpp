@@ -1,5 +1,6 @@
 #include "Filters/CIFilter.h"
 #include "Heal.h"
+#include "Kernels/HealKernels.h"
 #include "TestImages.h"
 
 namespace orvane {
@@ -68,19 +69,20 @@ TEST(Heal, PatchesFromWhatTheSpotsBeforeLeft)
     EXPECT_NEAR(pixel(Heal::apply(image, {first, second}), 28, 172)[0], 1, 1e-5f);
 }
 
-/// The definition, spot by spot over the whole picture. radii and places in pixels of 90 x 60.
+/// The definition, spot by spot over the whole picture.
 CIImage blendedOneByOne(CIImage image, const std::vector<HealSpot>& spots)
 {
+    const CGRect frame = image.extent();
     for (const HealSpot& spot : spots) {
-        const double r = std::max(90 * spot.r, 2.0);
-        const CGPoint center{90 * spot.x, 60 - 60 * spot.y};
-        const auto move = CGAffineTransform::translation(center.x < 45 ? -r * 2.4 : r * 2.4,
-                                                         center.y < 30 ? -r * 2.4 : r * 2.4);
+        const double r = std::max(std::max(frame.width(), frame.height()) * spot.r, 2.0);
+        const CGPoint center{frame.width() * spot.x, frame.height() * (1 - spot.y)};
+        const auto move =
+            CGAffineTransform::translation(center.x < frame.midX() ? -r * 2.4 : r * 2.4,
+                                           center.y < frame.midY() ? -r * 2.4 : r * 2.4);
         const CIImage mask =
             CIFilter::radialGradient(center, 0.6 * r, {1, 1, 1, 1}, r, {0, 0, 0, 0});
-        image =
-            CIFilter::blendWithMask(image.transformed(move).cropped({0, 0, 90, 60}), image, mask)
-                .cropped({0, 0, 90, 60});
+        image = CIFilter::blendWithMask(image.transformed(move).cropped(frame), image, mask)
+                    .cropped(frame);
     }
     return image;
 }
@@ -88,11 +90,22 @@ CIImage blendedOneByOne(CIImage image, const std::vector<HealSpot>& spots)
 TEST(Heal, EqualsBlendingSpotBySpot)
 {
     // A stroke whose spots and sources overlap each other, and single spots out to the corners.
-    std::vector<HealSpot> spots;
+    std::vector<HealSpot> many;
     for (int i = 0; i < 24; ++i)
-        spots.push_back({0.2 + 0.02 * i, 0.25 + 0.015 * i, 0.04});
+        many.push_back({0.2 + 0.02 * i, 0.25 + 0.015 * i, 0.04});
     for (const double at : {0.0, 0.3, 0.98})
-        spots.push_back({at, 1 - at, 0.07});
+        many.push_back({at, 1 - at, 0.07});
+    // The source of each last one lies partly on a spot before it: tiles there read one or the
+    // other.
+    const std::vector<HealSpot> spotLists[] = {
+        many,
+        {{0.651, 0.223, 0.098}, {0.987, 0.77, 0.098}},
+        {{0.425, 0.861, 0.115}, {0.103, 0.166, 0.115}},
+        {{0.226, 0.149, 0.069}, {0.055, 0.861, 0.069}, {0.042, 0.58, 0.069}},
+    };
+    const CIContext contexts[] = {CIContext(), CIContext({.tileWidth = 8, .tileHeight = 16}),
+                                  CIContext({.tileWidth = 4, .tileHeight = 2}),
+                                  CIContext({.tileWidth = 32, .tileHeight = 4})};
     for (const bool opaque : {true, false}) {
         const CIImage image = picture(
             90, 60,
@@ -102,10 +115,37 @@ TEST(Heal, EqualsBlendingSpotBySpot)
                              float((x + y) % 9) / 9 * alpha, alpha};
             },
             opaque);
-        const auto fast = pixels(Heal::apply(image, spots), 90, 60);
-        const auto plain = pixels(blendedOneByOne(image, spots), 90, 60);
-        for (size_t i = 0; i < plain.size(); ++i)
-            expectNear(fast[i], plain[i], 1e-5f);
+        for (const std::vector<HealSpot>& spots : spotLists) {
+            const auto plain = pixels(blendedOneByOne(image, spots), 90, 60);
+            for (const CIContext& context : contexts) {
+                const auto fast = pixels(Heal::apply(image, spots), 90, 60, context);
+                for (size_t i = 0; i < plain.size(); ++i)
+                    expectNear(fast[i], plain[i], 1e-5f);
+            }
+        }
+    }
+}
+
+TEST(Heal, SumsEndAtTheirExtentWhereOneImageIsAllThereIs)
+{
+    // In small tiles the change is nowhere near, and the picture is read all around as well.
+    const CIImage image = coordinates(48, 32);
+    const CIImage change = constant(4, 4, {0.5f, 0.5f, 0.5f, 0}, false);
+    const CGRect extent(0, 0, 20, 16);
+    const CIImage sum = HealKernels::sum({image, change, {}, {}}, extent, false);
+    const CIContext whole({.threads = 1, .tileWidth = 48, .tileHeight = 32});
+    const CIContext tiles({.threads = 1, .tileWidth = 16, .tileHeight = 8});
+    const struct {
+        const char* reader;
+        CIImage read;
+    } cases[] = {
+        {"clamped", sum.clampedToExtent()},
+        {"moved by a fraction", sum.transformed(CGAffineTransform::translation(0.3, 0.6))},
+        {"as it is", sum},
+    };
+    for (const auto& c : cases) {
+        const CIImage mixed = CIFilter::dissolveTransition(image, c.read, 0.5);
+        EXPECT_EQ(pixels(mixed, 48, 32, tiles), pixels(mixed, 48, 32, whole)) << c.reader;
     }
 }
 

@@ -224,6 +224,21 @@ int TileEvaluator::decidingInput(const PlanStep& step, Cover cover) const
     return -1;
 }
 
+/// A part of another step's pixels, in their memory. What a step draws never goes beyond its own
+/// extent: readers take the planes' edge for the picture's.
+TilePlanes TileEvaluator::partOf(size_t index, size_t from, const PixelRect& rect)
+{
+    const Drawn& drawn = m_drawn[from];
+    TilePlanes view = drawn.planes;
+    for (int c = 0; c < view.channels(); ++c)
+        view.plane[c] = drawn.planes.at(c, rect.x0, rect.y0);
+    view.rect = rect;
+    // A row of the view that begins elsewhere could be written past its memory's end.
+    m_drawn[index].reusable =
+        drawn.reusable && drawn.planes.rect.x0 == rect.x0 && m_pass.steps[from].readers == 1;
+    return view;
+}
+
 /// The pixels of another step as this one's own; transparent where it has none.
 TilePlanes TileEvaluator::passedOn(size_t index, size_t from, const PixelRect& rect)
 {
@@ -232,10 +247,9 @@ TilePlanes TileEvaluator::passedOn(size_t index, size_t from, const PixelRect& r
         m_drawn[index].empty = true;
         return {};
     }
-    TilePlanes planes = coveringPlanes(drawn.planes, rect, m_arena);
-    m_drawn[index].reusable = planes.plane[0] != drawn.planes.plane[0]
-        || (drawn.reusable && m_pass.steps[from].readers == 1);
-    return planes;
+    if (drawn.planes.rect.contains(rect))
+        return partOf(index, from, rect);
+    return coveringPlanes(drawn.planes, rect, m_arena);
 }
 
 TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const PointwiseNode& node,
@@ -281,15 +295,7 @@ TilePlanes TileEvaluator::pointwiseOutput(size_t index, const PlanStep& step, bo
 TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const CropNode&,
                                    const PixelRect& rect)
 {
-    const Drawn& drawn = m_drawn[size_t(step.inputs[0])];
-    TilePlanes view = drawn.planes;
-    for (int c = 0; c < view.channels(); ++c)
-        view.plane[c] = drawn.planes.at(c, rect.x0, rect.y0);
-    view.rect = rect;
-    // A row of the view that begins elsewhere could be written past its memory's end.
-    m_drawn[index].reusable = drawn.reusable && drawn.planes.rect.x0 == rect.x0
-        && m_pass.steps[size_t(step.inputs[0])].readers == 1;
-    return view;
+    return partOf(index, size_t(step.inputs[0]), rect);
 }
 
 TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const ClampNode&,

@@ -65,6 +65,7 @@ private:
     TilePlanes withRecipesAlpha(const PlanStep& step, TilePlanes planes);
     int decidingInput(const PlanStep& step, Cover cover) const;
     TilePlanes pointwiseOutput(size_t index, const PlanStep& step, bool opaque);
+    TilePlanes partOf(size_t index, size_t from, const PixelRect& rect);
     TilePlanes passedOn(size_t index, size_t from, const PixelRect& rect);
 
     TilePlanes drawStored(size_t index, const PlanStep& step, const PixelRect& rect);

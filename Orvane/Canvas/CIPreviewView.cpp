@@ -158,22 +158,22 @@ void CIPreviewView::setMessage(const QString& message)
     update();
 }
 
-void CIPreviewView::paintEvent(QPaintEvent*)
+void CIPreviewView::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), Theme::surround);
     if (m_picture.isEmpty()) {
+        painter.fillRect(rect(), Theme::surround);
         painter.setPen(palette().color(QPalette::PlaceholderText));
         painter.drawText(rect(), Qt::AlignCenter, m_failure.isEmpty() ? m_message : m_failure);
     } else {
-        paintPicture(painter);
+        paintPicture(painter, event->region());
         paintTool(painter);
     }
     if (m_showsFocus)
         paintFocus(painter);
 }
 
-void CIPreviewView::paintPicture(QPainter& painter)
+void CIPreviewView::paintPicture(QPainter& painter, const QRegion& exposed)
 {
     // In whole device pixels: at a fractional scale the view itself may begin between two, and any
     // other position would blur the picture.
@@ -182,11 +182,17 @@ void CIPreviewView::paintPicture(QPainter& painter)
     painter.setWorldTransform(toDevice.inverted());
     const CGRect place = pictureRect(mapping());
     const QPoint corner = toDevice.map(QPointF(place.minX(), place.minY())).toPoint();
-    const QSize size = deviceSize(mapping(), toDevice.m11());
-    m_picture.draw(painter, {corner, size});
+    const QRect target(corner, deviceSize(mapping(), toDevice.m11()));
+    QRegion onDevice;
+    for (const QRect& rect : exposed)
+        onDevice += toDevice.mapRect(QRectF(rect)).toAlignedRect();
+    for (const QRect& rect : onDevice - target)
+        painter.fillRect(rect, Theme::surround);
+    m_picture.draw(painter, target, onDevice);
     painter.restore();
-    if (m_picture.wantsFit(size, (QSizeF(rect().size()) * toDevice.m11()).toSize()))
-        fitPicture(size);
+    const QRect seen = toDevice.mapRect(QRectF(rect())).toAlignedRect().translated(-corner);
+    if (m_picture.wantsFit(target.size(), seen))
+        fitPicture(target.size(), seen);
     if (std::exchange(m_awaitsPaint, false))
         QMetaObject::invokeMethod(this, &CIPreviewView::picturePainted, Qt::QueuedConnection);
 }
@@ -212,17 +218,19 @@ void CIPreviewView::paintFocus(QPainter& painter)
 
 /// Scales a copy in the background. One at a time: when the size has changed meanwhile, the next
 /// paint asks again.
-void CIPreviewView::fitPicture(const QSize& size)
+void CIPreviewView::fitPicture(const QSize& whole, const QRect& seen)
 {
     if (std::exchange(m_isFitting, true))
         return;
-    QtConcurrent::run(&m_pool, [size, picture = m_picture.picture()] {
-        return std::pair(picture, fittedTo(size, picture));
-    }).then(this, [this](const std::pair<QImage, QImage>& fitted) {
-        m_isFitting = false;
-        m_picture.takeFit(fitted.first, fitted.second);
-        update();
-    });
+    QtConcurrent::run(&m_pool,
+                      [whole, part = partWorthFitting(seen, whole), picture = m_picture.picture()] {
+                          return std::pair(picture, fittedTo(whole, part, picture));
+                      })
+        .then(this, [this](const std::pair<QImage, FittedPicture>& fitted) {
+            m_isFitting = false;
+            m_picture.takeFit(fitted.first, fitted.second);
+            update();
+        });
 }
 
 void CIPreviewView::resizeEvent(QResizeEvent*)

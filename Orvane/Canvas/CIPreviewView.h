@@ -56,9 +56,9 @@ private:
     void showAnotherSource();
     void take(const RenderedPicture& picture);
     void putOnScreen(const RenderedPicture& picture);
-    void fitPicture(const QSize& size);
+    void fitPicture(const QSize& whole, const QRect& seen);
     bool pinch(const QNativeGestureEvent& gesture);
-    void paintPicture(QPainter& painter);
+    void paintPicture(QPainter& painter, const QRegion& exposed);
     void paintTool(QPainter& painter);
     void paintFocus(QPainter& painter);
 

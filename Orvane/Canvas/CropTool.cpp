@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 
 #include <algorithm>
+#include <map>
 
 namespace orvane {
 
@@ -32,19 +33,49 @@ CGRect inView(const CGRect& crop, const CanvasView& view)
     return {from.x, from.y, to.x - from.x, to.y - from.y};
 }
 
+/// Where a guide's lines divide the crop; none for the diagonals.
+const std::vector<double>& divisions(const std::string& guide)
+{
+    static const std::map<std::string, std::vector<double>> all = {
+        {"thirds", {1.0 / 3, 2.0 / 3}},
+        {"golden", {0.381966, 0.618034}},
+        {"cross", {0.5}},
+        {"grid", {0.125, 0.25, 0.375, 0.5, 0.625, 0.75, 0.875}}};
+    static const std::vector<double> none;
+    const auto found = all.find(guide);
+    return found == all.end() ? none : found->second;
+}
+
+/// What the lines of a crop cover, its handles included.
+QRegion lines(const CGRect& crop, const std::string& guide)
+{
+    const CGPoint from = crop.origin;
+    const CGPoint to{crop.maxX(), crop.maxY()};
+    const auto line = [](double x0, double y0, double x1, double y1) {
+        return Footprint::segment({x0, y0}, {x1, y1}, handleWidth * 2 + 2);
+    };
+    QRegion region = line(from.x, from.y, to.x, from.y) + line(from.x, to.y, to.x, to.y)
+        + line(from.x, from.y, from.x, to.y) + line(to.x, from.y, to.x, to.y);
+    for (const double division : divisions(guide)) {
+        const double x = from.x + crop.width() * division;
+        const double y = from.y + crop.height() * division;
+        region += line(x, from.y, x, to.y) + line(from.x, y, to.x, y);
+    }
+    if (guide == "diagonal")
+        region += line(from.x, from.y, to.x, to.y) + line(to.x, from.y, from.x, to.y);
+    return region;
+}
+
 /// What is to be painted anew when one crop takes the other's place: the shade where it differs,
 /// and whatever has lines.
-QRegion difference(const CGRect& before, const CGRect& after, const CanvasView& view)
+QRegion difference(const CGRect& before, const CGRect& after, const CanvasView& view,
+                   const std::string& guide)
 {
     if (before == after)
         return {};
     const CGRect a = inView(before, view);
     const CGRect b = inView(after, view);
-    const auto handles = [](const CGRect& rect) {
-        return Footprint::outline(rect.inset(handleWidth, handleWidth))
-            + Footprint::outline(rect.inset(-handleWidth, -handleWidth));
-    };
-    return Footprint::area(a).united(Footprint::area(b)) + handles(a) + handles(b);
+    return Footprint::area(a).xored(Footprint::area(b)) + lines(a, guide) + lines(b, guide);
 }
 
 void paintHandles(OverlayPainter& painter, const QRectF& crop)
@@ -114,7 +145,7 @@ QRegion CropTool::drag(const CanvasPointer& pointer)
     const CGPoint by{held.x - m_drag->anchor.x, held.y - m_drag->anchor.y};
     const CGRect before = std::exchange(
         m_drag->crop, CropGeometry::resized(m_drag->origin, m_drag->grab, by, ratio(pointer.view)));
-    return difference(before, m_drag->crop, pointer.view);
+    return difference(before, m_drag->crop, pointer.view, m_model.cropGuide.value());
 }
 
 QRegion CropTool::release(const CanvasPointer&)
@@ -214,17 +245,9 @@ void CropTool::paintGuide(OverlayPainter& painter, const QRectF& crop) const
         painter.path(path, OverlayPainter::Line::Faint);
         return;
     }
-    static const std::map<std::string, std::vector<double>> divisions = {
-        {"thirds", {1.0 / 3, 2.0 / 3}},
-        {"golden", {0.381966, 0.618034}},
-        {"cross", {0.5}},
-        {"grid", {0.125, 0.25, 0.375, 0.5, 0.625, 0.75, 0.875}}};
-    const auto found = divisions.find(guide);
-    if (found == divisions.end())
-        return;
     std::vector<double> columns;
     std::vector<double> rows;
-    for (const double division : found->second) {
+    for (const double division : divisions(guide)) {
         columns.push_back(crop.left() + crop.width() * division);
         rows.push_back(crop.top() + crop.height() * division);
     }

@@ -194,6 +194,18 @@ QRegion box(double left, double top, double right, double bottom)
     return QRect(from, to);
 }
 
+/// Grown to whole cells.
+QRegion cells(const QRegion& box)
+{
+    constexpr int cell = 32;
+    const QRect rect = box.boundingRect();
+    const auto floored = [](int value) { return value - (value % cell + cell) % cell; };
+    const int left = floored(rect.left());
+    const int top = floored(rect.top());
+    return QRect(left, top, floored(rect.right()) + cell - left,
+                 floored(rect.bottom()) + cell - top);
+}
+
 } // namespace
 
 QRegion point(const CGPoint& viewPoint, double radius)
@@ -217,14 +229,14 @@ QRegion segment(const CGPoint& from, const CGPoint& to, double width)
         const double b = double(i + 1) / pieces;
         const auto [x0, x1] = std::minmax(std::lerp(from.x, to.x, a), std::lerp(from.x, to.x, b));
         const auto [y0, y1] = std::minmax(std::lerp(from.y, to.y, a), std::lerp(from.y, to.y, b));
-        region += box(x0 - reach, y0 - reach, x1 + reach, y1 + reach);
+        region += cells(box(x0 - reach, y0 - reach, x1 + reach, y1 + reach));
     }
     return region;
 }
 
 QRegion circle(const CGPoint& centre, double radius)
 {
-    const int pieces = std::clamp(int(radius / 16), 8, 40);
+    const int pieces = std::clamp(int(radius / 8), 8, 128);
     QRegion region;
     CGPoint from{centre.x + radius, centre.y};
     for (int i = 1; i <= pieces; ++i) {
@@ -232,19 +244,11 @@ QRegion circle(const CGPoint& centre, double radius)
         const CGPoint to{centre.x + radius * std::cos(angle), centre.y + radius * std::sin(angle)};
         // How far the arc stands out from its chord.
         const double bulge = radius * (1 - std::cos(std::numbers::pi / pieces));
-        region += box(std::min(from.x, to.x) - bulge, std::min(from.y, to.y) - bulge,
-                      std::max(from.x, to.x) + bulge, std::max(from.y, to.y) + bulge);
+        region += cells(box(std::min(from.x, to.x) - bulge, std::min(from.y, to.y) - bulge,
+                            std::max(from.x, to.x) + bulge, std::max(from.y, to.y) + bulge));
         from = to;
     }
     return region;
-}
-
-QRegion outline(const CGRect& rect)
-{
-    return box(rect.minX(), rect.minY(), rect.maxX(), rect.minY())
-        + box(rect.minX(), rect.maxY(), rect.maxX(), rect.maxY())
-        + box(rect.minX(), rect.minY(), rect.minX(), rect.maxY())
-        + box(rect.maxX(), rect.minY(), rect.maxX(), rect.maxY());
 }
 
 QRegion area(const CGRect& rect)

@@ -62,10 +62,11 @@ private:
 /// What lines along these cover, in view points, with room for their rims.
 namespace Footprint {
 
+/// Round and slanted ones are made of cells of a grid: few rectangles, as a region is painted and
+/// handed to the desktop rectangle by rectangle.
 QRegion point(const CGPoint& viewPoint, double radius);
 QRegion segment(const CGPoint& from, const CGPoint& to, double width);
 QRegion circle(const CGPoint& centre, double radius);
-QRegion outline(const CGRect& rect);
 QRegion area(const CGRect& rect);
 
 } // namespace Footprint

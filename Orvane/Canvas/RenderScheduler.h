@@ -17,10 +17,20 @@ class QThreadPool;
 
 namespace orvane {
 
+/// A picture scaled to its size on screen: all of it, or what is seen of it and some more. Sizes
+/// and places in device pixels.
+struct FittedPicture {
+    QImage part = {}; ///< null when not scaled
+    QPoint at = {}; ///< of the part within the whole
+    QSize whole = {};
+
+    QRect place() const { return {at, part.size()}; }
+};
+
 /// A picture ready for the screen.
 struct RenderedPicture {
     QImage picture = {}; ///< null when the render yielded nothing
-    QImage fitted = {}; ///< the same at its size on screen, in device pixels; null when not scaled
+    FittedPicture fitted = {}; ///< the same at its size on screen
     CGSize frame = {}; ///< pixels of the finished picture, which a stand-in is stretched to
     CGRect crop = {0, 0, 1, 1}; ///< what it shows of the whole frame
     const char* failure = ""; ///< one sentence, when there is no picture for a reason to tell

@@ -18,7 +18,7 @@ RenderedPicture pictureOf(int number)
 {
     QImage image(1, 1, QImage::Format_RGB32);
     image.fill(QColor(number, 0, 0));
-    return {image, {}};
+    return {.picture = image};
 }
 
 class RenderSchedulerTest : public testing::Test {

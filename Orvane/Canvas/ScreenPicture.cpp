@@ -14,25 +14,25 @@ namespace {
 
 /// From this many device pixels for one of the picture, pixels are shown as squares.
 constexpr double squaresFrom = 4;
+/// So many device pixels are scaled smoothly within a frame.
+constexpr long smoothWithinFrame = 1'500'000;
 
 bool reduces(const QSize& from, const QSize& to)
 {
     return to.width() < from.width() || to.height() < from.height();
 }
 
-bool isWithin(const QSize& size, const QSize& bounds)
+bool isSmooth(const QSize& from, const QSize& to)
 {
-    return size.width() <= bounds.width() && size.height() <= bounds.height();
+    return to.width() < squaresFrom * from.width();
 }
 
-/// Reduced pictures are small in any case; an enlarged one is worth its memory while all of it is
-/// on screen.
-bool isWorthFitting(const QSize& picture, const QSize& target, const QSize& view)
+long areaOf(const QRegion& region)
 {
-    if (target == picture)
-        return false;
-    return reduces(picture, target)
-        || (isWithin(target, view) && target.width() < squaresFrom * picture.width());
+    long area = 0;
+    for (const QRect& rect : region)
+        area += long(rect.width()) * rect.height();
+    return area;
 }
 
 /// `frame`: pixels of the finished picture, whatever the content's proxy.
@@ -51,11 +51,13 @@ RenderedPicture rendered(const CanvasContent& content, const CGSize& frame, Canv
                            .crop = content.state.crop,
                            .milliseconds = took.count()};
     view.frame = frame;
+    const CGRect place = pictureRect(view);
     const QSize size = deviceSize(view, pixelRatio);
-    const QSize whole =
-        QSizeF(view.size.width * pixelRatio, view.size.height * pixelRatio).toSize();
-    if (isWorthFitting(result.picture.size(), size, whole) && !cancellation.isCancelled())
-        result.fitted = fittedTo(size, result.picture);
+    const QRect seen = QRectF(-place.minX() * pixelRatio, -place.minY() * pixelRatio,
+                              view.size.width * pixelRatio, view.size.height * pixelRatio)
+                           .toAlignedRect();
+    if (size != result.picture.size() && !cancellation.isCancelled())
+        result.fitted = fittedTo(size, partWorthFitting(seen, size), result.picture);
     return result;
 }
 
@@ -98,16 +100,26 @@ QSize deviceSize(const CanvasView& view, double pixelRatio)
             std::max(1, int(std::lround(picture.height() * pixelRatio)))};
 }
 
-QImage fittedTo(const QSize& size, const QImage& picture)
+QRect partWorthFitting(const QRect& seen, const QSize& whole)
 {
-    if (reduces(picture.size(), size))
-        return picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    QImage enlarged(size, picture.format());
+    const int across = seen.width() / 8;
+    const int down = seen.height() / 8;
+    return seen.adjusted(-across, -down, across, down) & QRect({}, whole);
+}
+
+FittedPicture fittedTo(const QSize& whole, const QRect& part, const QImage& picture)
+{
+    // Reduced ones are small in any case.
+    if (reduces(picture.size(), whole))
+        return {picture.scaled(whole, Qt::IgnoreAspectRatio, Qt::SmoothTransformation), {}, whole};
+    if (part.isEmpty())
+        return {};
+    QImage enlarged(part.size(), picture.format());
     QPainter painter(&enlarged);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(enlarged.rect(), picture);
-    return enlarged;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, isSmooth(picture.size(), whole));
+    painter.drawImage(QRect(-part.topLeft(), whole), picture);
+    return {enlarged, part.topLeft(), whole};
 }
 
 void ScreenPicture::set(const RenderedPicture& rendered)
@@ -116,24 +128,43 @@ void ScreenPicture::set(const RenderedPicture& rendered)
     m_fitted = rendered.fitted;
 }
 
-void ScreenPicture::draw(QPainter& painter, const QRect& target) const
+void ScreenPicture::draw(QPainter& painter, const QRect& target, const QRegion& exposed) const
 {
-    if (m_fitted.size() == target.size()) {
-        painter.drawImage(target.topLeft(), m_fitted);
+    const QRegion seen = exposed & target;
+    const bool isFitted = m_fitted.whole == target.size();
+    const QRect fitted = isFitted ? m_fitted.place().translated(target.topLeft()) : QRect();
+    for (const QRect& rect : seen& fitted)
+        painter.drawImage(rect, m_fitted.part, rect.translated(-fitted.topLeft()));
+    if (m_picture.size() == target.size()) {
+        for (const QRect& rect : seen)
+            painter.drawImage(rect, m_picture, rect.translated(-target.topLeft()));
         return;
     }
-    const double scale = double(target.width()) / m_picture.width();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, scale < squaresFrom);
-    painter.drawImage(target, m_picture);
+    if (const QRegion rest = seen - fitted; !rest.isEmpty())
+        drawScaled(painter, target, rest);
 }
 
-bool ScreenPicture::wantsFit(const QSize& target, const QSize& view) const
+void ScreenPicture::drawScaled(QPainter& painter, const QRect& target, const QRegion& exposed) const
 {
-    return !m_picture.isNull() && m_fitted.size() != target
-        && isWorthFitting(m_picture.size(), target, view);
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform,
+                          isSmooth(m_picture.size(), target.size())
+                              && areaOf(exposed) <= smoothWithinFrame);
+    for (const QRect& rect : exposed) {
+        painter.setClipRect(rect);
+        painter.drawImage(target, m_picture);
+    }
+    painter.restore();
 }
 
-void ScreenPicture::takeFit(const QImage& picture, const QImage& fitted)
+bool ScreenPicture::wantsFit(const QSize& whole, const QRect& seen) const
+{
+    if (m_picture.isNull() || whole == m_picture.size())
+        return false;
+    return m_fitted.whole != whole || !m_fitted.place().contains(seen & QRect({}, whole));
+}
+
+void ScreenPicture::takeFit(const QImage& picture, const FittedPicture& fitted)
 {
     if (picture.cacheKey() == m_picture.cacheKey())
         m_fitted = fitted;

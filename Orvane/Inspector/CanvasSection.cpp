@@ -2,10 +2,10 @@
 
 #include "ColorWell.h"
 #include "CropRatio.h"
-#include "HexColor.h"
 #include "PanelControls.h"
 #include "SegmentedPicker.h"
 
+#include <QLabel>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -31,18 +31,13 @@ SegmentedPicker::Choices shapes()
     return choices;
 }
 
-QColor screenColor(const std::string& hex)
-{
-    const CIColor color = colorFromHex(hex);
-    return QColor::fromRgbF(float(color.red), float(color.green), float(color.blue));
-}
-
 } // namespace
 
 CanvasSection::CanvasSection(AppModel& model, QWidget* parent)
     : QWidget(parent)
     , m_model(model)
     , m_shape(new SegmentedPicker(tr("Shape"), shapes()))
+    , m_fillLabel(captionLabel(tr("Fill")))
     , m_fill(new SegmentedPicker(
           tr("Fill"), {{"blur", tr("Blur")}, {"edge", tr("Repeat Edge")}, {"color", tr("Color")}}))
     , m_colorRow(new QWidget)
@@ -57,7 +52,9 @@ CanvasSection::CanvasSection(AppModel& model, QWidget* parent)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
+    column->addWidget(captionLabel(tr("Shape")));
     column->addWidget(m_shape);
+    column->addWidget(m_fillLabel);
     column->addWidget(m_fill);
     column->addWidget(m_colorRow);
 
@@ -94,7 +91,8 @@ void CanvasSection::refresh()
     const bool hasCanvas = m_model.canvasAspect > 0;
     m_shape->choose(QString::fromStdString(shapeOf(m_model.canvasAspect)));
     m_fill->choose(QString::fromStdString(m_model.canvasFill));
-    m_color->setColor(screenColor(m_model.canvasColor));
+    m_color->setHex(m_model.canvasColor);
+    m_fillLabel->setVisible(hasCanvas);
     m_fill->setVisible(hasCanvas);
     m_colorRow->setVisible(hasCanvas && m_model.canvasFill.value() == "color");
 }

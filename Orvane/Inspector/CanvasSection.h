@@ -26,6 +26,7 @@ private:
 
     AppModel& m_model;
     SegmentedPicker* m_shape;
+    QWidget* m_fillLabel;
     SegmentedPicker* m_fill;
     QWidget* m_colorRow;
     ColorWell* m_color;

@@ -7,10 +7,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QRegularExpressionValidator>
-#include <QScreen>
 #include <QVBoxLayout>
-
-#include <algorithm>
 
 namespace orvane {
 
@@ -18,7 +15,6 @@ namespace {
 
 constexpr int fieldWidth = 236;
 constexpr int fieldHeight = 156;
-constexpr int gap = 4; ///< between the well and the popover
 
 class Swatch final : public QWidget {
 public:
@@ -45,17 +41,12 @@ private:
 } // namespace
 
 ColorPopover::ColorPopover(const QString& name, const QColor& color, QWidget* parent)
-    : QFrame(parent, Qt::Popup | Qt::FramelessWindowHint)
+    : Popover(name, parent)
     , m_shades(new ShadeField)
     , m_hues(new HueBar)
     , m_swatch(new Swatch(m_color))
     , m_hex(new QLineEdit)
 {
-    // A press on the well that opened it closes it, and does not open it once more.
-    setAttribute(Qt::WA_NoMouseReplay);
-    setAttribute(Qt::WA_DeleteOnClose);
-    setAttribute(Qt::WA_TranslucentBackground);
-    setAccessibleName(name);
     m_shades->setFixedSize(fieldWidth, fieldHeight);
     m_hex->setAccessibleName(tr("Hex"));
     m_hex->setFixedHeight(24);
@@ -126,27 +117,9 @@ void ColorPopover::takeTyped()
     Q_EMIT pickEnded();
 }
 
-void ColorPopover::openBelow(const QWidget& anchor)
+void ColorPopover::openBeside(const QWidget& anchor)
 {
-    adjustSize();
-    const QRect room = anchor.screen()->availableGeometry();
-    const QPoint corner = anchor.mapToGlobal(anchor.rect().bottomRight());
-    const int left = std::clamp(corner.x() - width(), room.left(),
-                                std::max(room.left(), room.right() - width()));
-    const int above = anchor.mapToGlobal(QPoint(0, 0)).y() - gap - height();
-    const bool fits = corner.y() + gap + height() <= room.bottom() || above < room.top();
-    move(left, fits ? corner.y() + gap : above);
-    QFrame::show();
-    m_shades->setFocus(Qt::PopupFocusReason);
-}
-
-void ColorPopover::paintEvent(QPaintEvent*)
-{
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(QColor(0x4a, 0x4a, 0x4a), 1));
-    painter.setBrush(Theme::section);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 7, 7);
+    Popover::openBeside(anchor, *m_shades);
 }
 
 void ColorPopover::keyPressEvent(QKeyEvent* event)
@@ -156,13 +129,13 @@ void ColorPopover::keyPressEvent(QKeyEvent* event)
     if (event->key() == Qt::Key_Escape || isReturn)
         close();
     else
-        QFrame::keyPressEvent(event);
+        Popover::keyPressEvent(event);
 }
 
 void ColorPopover::closeEvent(QCloseEvent* event)
 {
     Q_EMIT pickEnded();
-    QFrame::closeEvent(event);
+    Popover::closeEvent(event);
 }
 
 } // namespace orvane

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "ColorFields.h"
-
-#include <QFrame>
+#include "Popover.h"
 
 class QLineEdit;
 
@@ -17,7 +16,7 @@ namespace orvane {
 ///   └──────────────┘
 ///   ─────●──────────   hue
 ///   [■]  [#rrggbb  ]
-class ColorPopover final : public QFrame {
+class ColorPopover final : public Popover {
     Q_OBJECT
 
 public:
@@ -25,8 +24,8 @@ public:
 
     /// Without a signal.
     void setColor(const QColor& color);
-    /// Under the widget, within its screen, with the focus on the shades.
-    void openBelow(const QWidget& anchor);
+    /// With the focus on the shades.
+    void openBeside(const QWidget& anchor);
 
 Q_SIGNALS:
     void colorPicked(const QColor& color);
@@ -34,7 +33,6 @@ Q_SIGNALS:
     void pickEnded();
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 

@@ -1,6 +1,7 @@
 #include "ColorWell.h"
 
 #include "ColorPopover.h"
+#include "HexColor.h"
 #include "Theme.h"
 
 #include <QKeyEvent>
@@ -36,6 +37,12 @@ void ColorWell::setColor(const QColor& color)
     update();
 }
 
+void ColorWell::setHex(const std::string& hex)
+{
+    const CIColor stored = colorFromHex(hex);
+    setColor(QColor::fromRgbF(float(stored.red), float(stored.green), float(stored.blue)));
+}
+
 void ColorWell::open()
 {
     if (m_popover)
@@ -46,7 +53,7 @@ void ColorWell::open()
         Q_EMIT colorPicked(color);
     });
     connect(m_popover, &ColorPopover::pickEnded, this, &ColorWell::pickEnded);
-    m_popover->openBelow(*this);
+    m_popover->openBeside(*this);
 }
 
 void ColorWell::keyPressEvent(QKeyEvent* event)

@@ -4,6 +4,8 @@
 #include <QColor>
 #include <QPointer>
 
+#include <string>
+
 namespace orvane {
 
 class ColorPopover;
@@ -20,6 +22,8 @@ public:
     QColor color() const { return m_color; }
     /// Without a signal; also while the picker is open.
     void setColor(const QColor& color);
+    /// The same, of a colour as the edit stores it.
+    void setHex(const std::string& hex);
     QSize sizeHint() const override { return {44, 24}; }
 
 Q_SIGNALS:

@@ -3,8 +3,8 @@
 #include "ModelSlider.h"
 #include "PanelControls.h"
 #include "SegmentedPicker.h"
-#include "Theme.h"
 
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -32,13 +32,6 @@ SegmentedPicker::Choices guides()
             {"cross", CropSection::tr("Cross")},        {"none", CropSection::tr("None")}};
 }
 
-QLabel* makeLabel(const QString& text)
-{
-    auto* label = new QLabel(text);
-    Theme::makeSecondary(*label);
-    return label;
-}
-
 } // namespace
 
 CropSection::CropSection(AppModel& model, QWidget* parent)
@@ -46,7 +39,7 @@ CropSection::CropSection(AppModel& model, QWidget* parent)
     , m_model(model)
     , m_edit(new PanelButton("crop", tr("Edit Crop on the Image")))
     , m_aspect(new SegmentedPicker(tr("Aspect Ratio"), ratios(model), ratiosPerLine))
-    , m_guideLabel(makeLabel(tr("Guide")))
+    , m_guideLabel(captionLabel(tr("Guide")))
     , m_guide(new SegmentedPicker(tr("Guide"), guides(), guidesPerLine))
     , m_straighten(new ModelSlider(model, tr("Straighten"), {.minimum = -15, .maximum = 15},
                                    {.read = [&model] { return model.rotation.value(); },
@@ -64,7 +57,7 @@ CropSection::CropSection(AppModel& model, QWidget* parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
     column->addWidget(m_edit);
-    column->addWidget(makeLabel(tr("Aspect Ratio")));
+    column->addWidget(captionLabel(tr("Aspect Ratio")));
     column->addWidget(m_aspect);
     column->addWidget(m_guideLabel);
     column->addWidget(m_guide);
@@ -86,11 +79,7 @@ QLayout* CropSection::makeFlipRow()
 {
     m_flipH = makeFlip("move-horizontal", tr("Flip H"), tr("Flip Horizontal"), "h");
     m_flipV = makeFlip("move-vertical", tr("Flip V"), tr("Flip Vertical"), "v");
-    auto* row = new QHBoxLayout;
-    row->setSpacing(6);
-    row->addWidget(m_flipH, 1);
-    row->addWidget(m_flipV, 1);
-    return row;
+    return buttonRow({m_flipH, m_flipV});
 }
 
 QPushButton* CropSection::makeFlip(const char* icon, const QString& text, const QString& help,

@@ -20,9 +20,11 @@ const Points& identity()
     return ends;
 }
 
-bool isIdentity(const Points& points)
+bool isBent(const Adjustments::Curve& curves)
 {
-    return points == identity();
+    return std::any_of(curves.begin(), curves.end(), [](const auto& channel) {
+        return !channel.second.empty() && channel.second != identity();
+    });
 }
 
 QPointF plotPosition(const Point& point, double side)

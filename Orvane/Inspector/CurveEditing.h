@@ -16,7 +16,8 @@ using Points = std::vector<Point>;
 
 /// From corner to corner: the curve of a channel that has no points.
 const Points& identity();
-bool isIdentity(const Points& points);
+/// Whether any channel is anything but that.
+bool isBent(const Adjustments::Curve& curves);
 
 QPointF plotPosition(const Point& point, double side);
 /// Held to the plot.

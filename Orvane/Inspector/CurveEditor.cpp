@@ -2,6 +2,7 @@
 
 #include "Chevron.h"
 #include "CurvePlot.h"
+#include "PanelControls.h"
 #include "SegmentedPicker.h"
 #include "SliderRow.h"
 #include "Theme.h"
@@ -9,9 +10,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
-
-#include <algorithm>
-#include <cmath>
 
 namespace orvane {
 
@@ -86,17 +84,13 @@ SliderRow* CurveEditor::makeAxisRow(const QString& axis)
 QWidget* CurveEditor::makePointRow()
 {
     auto* row = new QWidget;
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(8);
-    auto* label = new QLabel(tr("Point"));
-    label->setFixedWidth(84);
+    auto* layout = labelledRow(tr("Point"));
+    row->setLayout(layout);
     m_previous =
         makeStepButton(new ChevronButton(ChevronButton::Direction::Left, tr("Previous point")), -1);
     m_next =
         makeStepButton(new ChevronButton(ChevronButton::Direction::Right, tr("Next point")), 1);
     m_place = new QLabel;
-    layout->addWidget(label);
     layout->addWidget(m_previous);
     layout->addWidget(m_next);
     layout->addWidget(m_place);
@@ -117,13 +111,6 @@ void CurveEditor::setCurve(const Curve& curve)
     const auto found = m_curve.find(channel().toStdString());
     m_plot->setPoints(found == m_curve.end() ? CurveEditing::identity() : found->second);
     showPoint();
-}
-
-bool CurveEditor::isEdited() const
-{
-    return std::any_of(m_curve.begin(), m_curve.end(), [](const auto& entry) {
-        return !entry.second.empty() && !CurveEditing::isIdentity(entry.second);
-    });
 }
 
 QString CurveEditor::channel() const

@@ -33,8 +33,6 @@ public:
 
     /// Without a signal. A channel that is missing shows as a straight line.
     void setCurve(const Curve& curve);
-    /// Whether any channel is bent.
-    bool isEdited() const;
     /// "master", "r", "g" or "b".
     QString channel() const;
     CurvePlot& plot() { return *m_plot; }

@@ -32,6 +32,8 @@ protected:
                              curve[channel.toStdString()] = points;
                              editor.setCurve(CurveEditor::Curve(curve));
                          });
+        QObject::connect(&editor, &CurveEditor::editingChanged, &editor,
+                         [this](bool isEditing) { drags += isEditing ? '(' : ')'; });
     }
 
     void show(const Points& points)
@@ -57,6 +59,7 @@ protected:
     CurveEditor editor;
     CurveEditor::Curve curve;
     int edits = 0;
+    std::string drags;
 };
 
 TEST_F(CurveEditorTest, APressTakesAPointWithinItsReachAndElseAddsOne)
@@ -127,6 +130,14 @@ TEST_F(CurveEditorTest, AnUndoUnderTheHandEndsTheDrag)
     QTest::mouseMove(&plot(), at(120, 100));
     QTest::mouseRelease(&plot(), Qt::LeftButton, {}, at(120, 100));
     EXPECT_EQ(edits, 0);
+    EXPECT_EQ(drags, "()");
+
+    QTest::mousePress(&plot(), Qt::LeftButton, {}, at(0, 255));
+    editor.hide(); // and no release comes
+    editor.show();
+    QTest::mouseMove(&plot(), at(30, 200));
+    EXPECT_EQ(edits, 0);
+    EXPECT_EQ(drags, "()()");
 }
 
 TEST_F(CurveEditorTest, IsUsedByKeyboardAlone)
@@ -202,9 +213,8 @@ TEST_F(CurveEditorTest, EachChannelHasItsOwnCurve)
     EXPECT_EQ(plot().points(), CurveEditing::identity());
     editor.setCurve({{"r", {{255, 9}, {0, 1}}}});
     EXPECT_EQ(plot().points().front().y, 1);
-    EXPECT_TRUE(editor.isEdited());
-    editor.setCurve({{"master", CurveEditing::identity()}});
-    EXPECT_FALSE(editor.isEdited());
+    EXPECT_TRUE(CurveEditing::isBent({{"r", {{255, 9}, {0, 1}}}}));
+    EXPECT_FALSE(CurveEditing::isBent({{"master", CurveEditing::identity()}, {"r", {}}}));
 }
 
 } // namespace

@@ -42,9 +42,8 @@ void CurvePlot::setPoints(CurveEditing::Points points)
     if (points == m_points)
         return;
     if (points.size() != m_points.size()) {
-        m_dragging.reset();
+        endDrag();
         m_hovered.reset();
-        m_isThrowing = false;
     }
     m_points = std::move(points);
     syncHandles();
@@ -179,13 +178,24 @@ void CurvePlot::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton || !m_dragging)
         return;
-    const size_t held = *m_dragging;
+    if (CurveEditing::isThrownAway(inPlot(event->position()), plot().width()))
+        removePoint(*m_dragging);
+    endDrag();
+}
+
+void CurvePlot::endDrag()
+{
+    if (!m_dragging)
+        return;
     m_dragging.reset();
     m_isThrowing = false;
-    if (CurveEditing::isThrownAway(inPlot(event->position()), plot().width()))
-        removePoint(held);
     update();
     Q_EMIT editingChanged(false);
+}
+
+void CurvePlot::hideEvent(QHideEvent*)
+{
+    endDrag(); // no release will come
 }
 
 void CurvePlot::leaveEvent(QEvent*)

@@ -48,6 +48,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void addHandle();
@@ -55,6 +56,7 @@ private:
     void setHovered(std::optional<size_t> index);
     void removePoint(size_t index);
     void tellEdit();
+    void endDrag();
     QPointF inPlot(const QPointF& position) const { return position - plot().topLeft(); }
     void paintGrid(QPainter& painter, const QRectF& frame) const;
     void paintPoints(QPainter& painter, const QRectF& frame) const;

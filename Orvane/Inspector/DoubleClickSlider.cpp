@@ -155,6 +155,11 @@ bool DoubleClickSlider::event(QEvent* event)
     return QWidget::event(event);
 }
 
+void DoubleClickSlider::hideEvent(QHideEvent*)
+{
+    setDown(false); // no release will come
+}
+
 void DoubleClickSlider::keyPressEvent(QKeyEvent* event)
 {
     const auto others = event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);

@@ -9,7 +9,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QPainter>
-#include <QScreen>
 #include <QSortFilterProxyModel>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -23,7 +22,7 @@ namespace {
 constexpr int rowHeight = 28;
 constexpr int visibleRows = 11;
 constexpr int sampleSize = 15; ///< pixels, in the list
-constexpr int gap = 4; ///< between the picker and its list
+constexpr int narrowest = 240; ///< of the list
 constexpr int inset = 8;
 
 QString listLook()
@@ -75,15 +74,11 @@ public:
 } // namespace
 
 FontPopover::FontPopover(const QString& name, const QString& family, QWidget* parent)
-    : QFrame(parent, Qt::Popup | Qt::FramelessWindowHint)
+    : Popover(name, parent)
     , m_search(new QLineEdit)
     , m_list(new QListView)
     , m_families(new QSortFilterProxyModel(this))
 {
-    setAttribute(Qt::WA_NoMouseReplay);
-    setAttribute(Qt::WA_DeleteOnClose);
-    setAttribute(Qt::WA_TranslucentBackground);
-    setAccessibleName(name);
     m_families->setSourceModel(new FontNames(this));
     m_families->setFilterCaseSensitivity(Qt::CaseInsensitive);
     m_search->setPlaceholderText(tr("Search"));
@@ -130,29 +125,11 @@ void FontPopover::take(const QModelIndex& index)
     Q_EMIT familyPicked(family);
 }
 
-void FontPopover::openBelow(const QWidget& anchor)
+void FontPopover::openBeside(const QWidget& anchor)
 {
-    setFixedWidth(std::max(anchor.width(), 240));
-    adjustSize();
-    const QRect room = anchor.screen()->availableGeometry();
-    const QPoint corner = anchor.mapToGlobal(anchor.rect().bottomRight());
-    const int left = std::clamp(corner.x() + 1 - width(), room.left(),
-                                std::max(room.left(), room.right() - width()));
-    const int above = anchor.mapToGlobal(QPoint(0, 0)).y() - gap - height();
-    const bool fits = corner.y() + gap + height() <= room.bottom() || above < room.top();
-    move(left, fits ? corner.y() + gap : above);
-    QFrame::show();
-    m_search->setFocus(Qt::PopupFocusReason);
+    setFixedWidth(std::max(anchor.width(), narrowest));
+    Popover::openBeside(anchor, *m_search);
     m_list->scrollTo(m_list->currentIndex(), QAbstractItemView::PositionAtCenter);
-}
-
-void FontPopover::paintEvent(QPaintEvent*)
-{
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(QColor(0x4a, 0x4a, 0x4a), 1));
-    painter.setBrush(Theme::section);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 7, 7);
 }
 
 /// The list walks while the field has the focus, so that a person types and walks with both hands
@@ -160,7 +137,7 @@ void FontPopover::paintEvent(QPaintEvent*)
 bool FontPopover::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() != QEvent::KeyPress)
-        return QFrame::eventFilter(watched, event);
+        return Popover::eventFilter(watched, event);
     switch (const int key = static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Escape:
         close();
@@ -180,7 +157,7 @@ bool FontPopover::eventFilter(QObject* watched, QEvent* event)
         }
         [[fallthrough]];
     default:
-        return QFrame::eventFilter(watched, event);
+        return Popover::eventFilter(watched, event);
     }
 }
 
@@ -213,7 +190,7 @@ void FontPicker::open()
         return;
     m_popover = new FontPopover(accessibleName(), m_family, this);
     connect(m_popover, &FontPopover::familyPicked, this, &FontPicker::pick);
-    m_popover->openBelow(*this);
+    m_popover->openBeside(*this);
 }
 
 void FontPicker::pick(const QString& family)

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Popover.h"
+
 #include <QAbstractButton>
-#include <QFrame>
 #include <QPointer>
 
 class QLineEdit;
@@ -12,14 +13,14 @@ namespace orvane {
 
 /// Font families, each written in its own font, above them a field that narrows them down by
 /// typing. Up and Down walk the list, Return or a click takes a family, Escape none.
-class FontPopover final : public QFrame {
+class FontPopover final : public Popover {
     Q_OBJECT
 
 public:
     FontPopover(const QString& name, const QString& family, QWidget* parent);
 
-    /// At least as wide as the widget; under it where there is room.
-    void openBelow(const QWidget& anchor);
+    /// At least as wide as the widget, with the focus in the field.
+    void openBeside(const QWidget& anchor);
     QListView& list() { return *m_list; }
 
 Q_SIGNALS:
@@ -27,7 +28,6 @@ Q_SIGNALS:
     void familyPicked(const QString& family);
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

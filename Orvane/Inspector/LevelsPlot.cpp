@@ -162,10 +162,22 @@ void LevelsPlot::mouseMoveEvent(QMouseEvent* event)
 
 void LevelsPlot::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || !m_dragging)
+    if (event->button() == Qt::LeftButton)
+        endDrag();
+}
+
+void LevelsPlot::endDrag()
+{
+    if (!m_dragging)
         return;
     m_dragging.reset();
+    update();
     Q_EMIT editingChanged(false);
+}
+
+void LevelsPlot::hideEvent(QHideEvent*)
+{
+    endDrag(); // no release will come
 }
 
 void LevelsPlot::leaveEvent(QEvent*)

@@ -42,6 +42,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     using Stop = LevelsStops::Stop;
@@ -49,6 +50,7 @@ private:
     std::optional<Stop> stopNear(double x) const;
     void write(Stop stop, double value);
     void placeHandles();
+    void endDrag();
     void setHovered(std::optional<Stop> stop);
     void paintStop(QPainter& painter, Stop stop) const;
 

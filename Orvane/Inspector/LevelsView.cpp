@@ -1,6 +1,7 @@
 #include "LevelsView.h"
 
 #include "LevelsPlot.h"
+#include "PanelControls.h"
 #include "SliderRow.h"
 #include "Theme.h"
 
@@ -20,8 +21,6 @@ LevelsView::LevelsView(QWidget* parent)
 {
     m_readout->setAlignment(Qt::AlignCenter);
     Theme::makeSecondary(*m_readout);
-    auto* label = new QLabel(tr("Output"));
-    label->setFixedWidth(84);
 
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
@@ -30,7 +29,7 @@ LevelsView::LevelsView(QWidget* parent)
     grid->setColumnStretch(1, 1);
     grid->addWidget(m_plot, 0, 0, 1, 2);
     grid->addWidget(m_readout, 1, 0, 1, 2);
-    grid->addWidget(label, 2, 0);
+    grid->addWidget(rowLabel(tr("Output")), 2, 0);
     grid->addWidget(m_blackOut, 2, 1);
     grid->addWidget(m_whiteOut, 3, 1);
 

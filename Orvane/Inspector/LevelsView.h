@@ -31,7 +31,6 @@ public:
     /// Without a signal.
     void setLevels(const Levels& levels);
     void setHistogram(const Histogram& histogram);
-    bool isEdited() const { return m_levels != Levels(); }
     LevelsPlot& plot() { return *m_plot; }
     SliderRow& blackOut() { return *m_blackOut; }
     SliderRow& whiteOut() { return *m_whiteOut; }

@@ -15,6 +15,7 @@ namespace orvane {
 namespace {
 
 /// Whether the picture still wears the recipe: an undo, or sliders moved one and all, take it off.
+/// A slider that the recipe leaves at 0 stands there without it, too; at no strength all do.
 bool isWorn(const AppModel& model, const Looks::Look& look)
 {
     const auto& last = model.lastLook.value();
@@ -22,10 +23,13 @@ bool isWorn(const AppModel& model, const Looks::Look& look)
         return false;
     const auto& adjust = model.adjust.value();
     const auto worn = Looks::apply(look, model.lookStrength);
-    return std::any_of(worn.begin(), worn.end(), [&](const auto& entry) {
+    const auto stands = [&](const auto& entry) {
         const auto found = adjust.find(entry.first);
         return found != adjust.end() && found->second == entry.second;
-    });
+    };
+    return std::all_of(worn.begin(), worn.end(), stands)
+        || std::any_of(worn.begin(), worn.end(),
+                       [&](const auto& entry) { return entry.second != 0 && stands(entry); });
 }
 
 /// Every slider of the catalogue, at rest where nothing is said of it.

@@ -135,6 +135,34 @@ TEST_F(LooksSectionTest, StrengthComesWithALookAndADragOfItIsOneStep)
     EXPECT_EQ(used(), "warm");
 }
 
+TEST_F(LooksSectionTest, AHeldKeyOnStrengthIsOneStepAndTheNextPressAnother)
+{
+    openFitted();
+    QTest::mouseClick(tiles()[1], Qt::LeftButton);
+    QApplication::processEvents();
+    slider("Strength")->slider().setFocus();
+    const size_t steps = model->historySteps().size();
+    for (const double pause : {10.0, 0.7, 0.03, 0.03, 0.03}) {
+        clock += pause;
+        press(Qt::Key_Left);
+    }
+    EXPECT_EQ(model->lookStrength, 95);
+    EXPECT_EQ(model->historySteps().size(), steps + 1);
+    clock += 2;
+    press(Qt::Key_Left);
+    EXPECT_EQ(model->historySteps().size(), steps + 2);
+    // What comes between parts them, however quick the hand is.
+    model->undo();
+    QApplication::processEvents();
+    press(Qt::Key_Left);
+    EXPECT_EQ(model->lookStrength, 94);
+    EXPECT_EQ(model->historySteps().size(), steps + 2);
+    model->undo();
+    EXPECT_EQ(model->lookStrength, 95);
+    model->undo();
+    EXPECT_EQ(model->lookStrength, 100);
+}
+
 TEST_F(LooksSectionTest, SavedLooksApplyAndGoByTheirButtons)
 {
     openFitted();
@@ -210,6 +238,33 @@ TEST_F(LooksSectionTest, PopsByItsButton)
     QApplication::processEvents();
     EXPECT_EQ(model->lastLook.value()->name, "Make it pop");
     EXPECT_EQ(used(), "") << "a grade of its own, not the look of that name";
+}
+
+TEST_F(LooksSectionTest, MarksTheLookThatThePictureWearsAndNoOther)
+{
+    openFitted();
+    const auto& recipes = model->lookRecipes.value();
+    const auto settled = [this] {
+        QApplication::processEvents();
+        return used();
+    };
+    for (const Looks::Look& recipe : recipes) {
+        SCOPED_TRACE(recipe.id);
+        model->applyLook(recipe.id);
+        EXPECT_EQ(settled(), recipe.id);
+        model->setLookStrength(0);
+        EXPECT_EQ(settled(), recipe.id);
+        model->setLookStrength(40);
+        EXPECT_EQ(settled(), recipe.id);
+        model->jumpHistory(0);
+        EXPECT_EQ(settled(), "") << "although what it leaves at 0 is there";
+    }
+    // A one-click grade bears the id of the first look, and may share most of its sliders.
+    model->applyLook(recipes.front().id);
+    Looks::Look grade = recipes.front();
+    grade.adjustments.begin()->second += 1;
+    model->lastLook = grade;
+    EXPECT_EQ(settled(), "");
 }
 
 } // namespace

@@ -126,17 +126,13 @@ QWidget* LutControls::makeMissing()
     Theme::makeSecondary(*word);
     auto* import = new PanelButton("layers", tr("Re-import"));
     auto* remove = new PanelButton("trash-2", tr("Remove"));
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(8);
-    buttons->addWidget(import, 1);
-    buttons->addWidget(remove, 1);
 
     auto* column = new QVBoxLayout(missing);
     column->setContentsMargins(10, 10, 10, 10);
     column->setSpacing(8);
     column->addLayout(head);
     column->addWidget(word);
-    column->addLayout(buttons);
+    column->addLayout(buttonRow({import, remove}));
     connect(import, &QPushButton::clicked, this, [this] { m_model.importLut(); });
     connect(remove, &QPushButton::clicked, this, [this] { m_model.removeLut(); });
     return missing;

@@ -10,7 +10,8 @@ ModelSlider::ModelSlider(AppModel& model, const QString& label, const Range& ran
     , m_binding(std::move(binding))
     , m_step(model)
 {
-    connect(this, &SliderRow::valueChanged, this, [this](double value) { m_binding.write(value); });
+    connect(this, &SliderRow::valueChanged, this,
+            [this](double value) { m_step.take([&] { m_binding.write(value); }); });
     connect(this, &SliderRow::editingChanged, this, [this](bool isEditing) {
         if (!isEditing)
             return m_step.end();

@@ -8,8 +8,7 @@
 namespace orvane {
 
 /// A slider row that is tied to a value of the model. Whatever history the writing keeps: one drag,
-/// one typed number and one reset each leave one step behind; keys and the wheel write as they
-/// come, so that the model makes one step of a burst.
+/// one typed number, one reset, and one burst of keys or of the wheel each leave one step behind.
 class ModelSlider final : public SliderRow {
     Q_OBJECT
 

@@ -1,16 +1,16 @@
 #include "NativeInspector.h"
 
 #include "FoldingSection.h"
+#include "HeadingLabel.h"
 #include "HistorySection.h"
 #include "LooksSection.h"
 #include "NameDialog.h"
 #include "Theme.h"
 
-#include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QTimer>
 #include <QScrollBar>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -89,16 +89,12 @@ void NativeInspector::build()
 
 void NativeInspector::addHeading(const InspectorHeading& heading)
 {
-    auto* title = new QLabel(heading.title);
-    QFont semibold = title->font();
-    semibold.setWeight(QFont::DemiBold);
-    title->setFont(semibold);
     auto* button = new QPushButton;
     button->setObjectName("headingButton");
     auto* row = new QHBoxLayout;
     row->setContentsMargins(2, headingGap, 0, 0);
     row->setSpacing(6);
-    row->addWidget(title);
+    row->addWidget(new HeadingLabel(heading.title));
     row->addStretch(1);
     row->addWidget(button);
     m_column->addLayout(row);
@@ -199,10 +195,12 @@ void NativeInspector::showHeadings()
 
 void NativeInspector::askForName()
 {
-    auto* dialog = new NameDialog(this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &NameDialog::named, this,
-            [this](const QString& name) { m_model.saveLook(name.toStdString()); });
+    auto* dialog = new NameDialog(
+        tr("Name this look"),
+        tr("It saves the whole grade — light, colour, curves, effects — but not the crop or the "
+           "lights you placed on this photo."),
+        tr("Save"), {}, this);
+    dialog->onAccept([this](const QString& name) { m_model.saveLook(name.toStdString()); });
     dialog->open();
 }
 

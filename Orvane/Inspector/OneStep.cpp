@@ -7,7 +7,7 @@ namespace orvane {
 void OneStep::begin()
 {
     if (!m_start)
-        m_start = Start{m_model.activeImageID, m_model.history};
+        m_start = present();
 }
 
 void OneStep::end()
@@ -20,6 +20,32 @@ void OneStep::end()
     // joined the step before it.
     m_model.history = start->history;
     m_model.commitHistory();
+}
+
+void OneStep::take(const std::function<void()>& change)
+{
+    if (m_start)
+        return change();
+    const Start before = present();
+    change();
+    // What keeps no history, as the size of a brush, must not bring in what else stands open.
+    if (m_model.history.value() == before.history)
+        return;
+    if (!continues(before))
+        m_burst = Burst{before, {}};
+    m_model.history = m_burst->start.history;
+    m_model.commitHistory();
+    m_burst->last = m_model.history;
+}
+
+/// To be asked after a change that found the history as in `before`.
+bool OneStep::continues(const Start& before) const
+{
+    if (!m_burst || m_burst->start.image != before.image || m_burst->last != before.history)
+        return false;
+    const auto earlier = m_burst->last.lastTouch();
+    const auto now = m_model.history.value().lastTouch();
+    return earlier && now && *now - *earlier < burst;
 }
 
 } // namespace orvane

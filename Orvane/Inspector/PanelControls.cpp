@@ -142,15 +142,37 @@ void Toggle::paintEvent(QPaintEvent*)
     painter.drawEllipse(knob, inset - 3, inset - 3);
 }
 
+QLabel* rowLabel(const QString& text)
+{
+    auto* label = new QLabel(text);
+    label->setFixedWidth(labelWidth);
+    return label;
+}
+
 QHBoxLayout* labelledRow(const QString& label)
 {
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(8);
-    auto* text = new QLabel(label);
-    text->setFixedWidth(labelWidth);
-    row->addWidget(text);
+    row->addWidget(rowLabel(label));
     return row;
+}
+
+QHBoxLayout* buttonRow(std::initializer_list<QWidget*> buttons)
+{
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(6);
+    for (QWidget* button : buttons)
+        row->addWidget(button, 1);
+    return row;
+}
+
+QLabel* captionLabel(const QString& text)
+{
+    auto* label = new QLabel(text);
+    Theme::makeSecondary(*label);
+    return label;
 }
 
 } // namespace orvane

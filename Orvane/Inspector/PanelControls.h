@@ -4,9 +4,11 @@
 #include <QIcon>
 #include <QPushButton>
 
+#include <initializer_list>
 #include <string_view>
 
 class QHBoxLayout;
+class QLabel;
 class QPainter;
 
 namespace orvane {
@@ -59,7 +61,13 @@ protected:
     bool hitButton(const QPoint& point) const override;
 };
 
-/// A row of controls after a label as wide as those of the slider rows.
+/// At the left of a row, as wide in all of them.
+QLabel* rowLabel(const QString& text);
+/// A row of controls after such a label.
 QHBoxLayout* labelledRow(const QString& label);
+/// Buttons that share a row evenly.
+QHBoxLayout* buttonRow(std::initializer_list<QWidget*> buttons);
+/// Over a control that has no room beside it.
+QLabel* captionLabel(const QString& text);
 
 } // namespace orvane

@@ -81,33 +81,30 @@ RelightSection::RelightSection(AppModel& model, QWidget* parent)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 2, 0, 2);
     column->setSpacing(8);
-    column->addWidget(makeAddButtons());
+    column->addLayout(makeAddButtons());
     column->addWidget(m_hint);
     column->addWidget(m_list);
     column->addWidget(m_details = makeDetails());
-    column->addWidget(makeLastButtons());
+    column->addLayout(makeLastButtons());
 
     connect(m_list, &RowList::picked, this,
             [this](const std::string& id) { m_model.selectLight(id); });
     connect(m_list, &RowList::removeAsked, this,
             [this](const std::string& id) { m_model.deleteLight(id); });
-    m_watch.watch(model.lights, model.selectedLightID);
+    m_watch.watch(model.lights, model.selectedLightID, model.relightMode);
     refresh();
 }
 
-QWidget* RelightSection::makeAddButtons()
+QLayout* RelightSection::makeAddButtons()
 {
-    auto* buttons = new QWidget;
-    auto* line = new QHBoxLayout(buttons);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(6);
+    auto* line = buttonRow({});
     for (const AddButton& each : addButtons) {
         auto* button = new PanelButton(each.icon, tr(each.label), tr(each.help));
         line->addWidget(button, 1);
         connect(button, &QPushButton::clicked, this,
                 [this, kind = each.kind] { m_model.addLightAt(kind, 0.5, 0.5); });
     }
-    return buttons;
+    return line;
 }
 
 /// Shows the stored value times the scale, and stores the shown one by the scale.
@@ -141,20 +138,16 @@ QWidget* RelightSection::makeDetails()
     return details;
 }
 
-QWidget* RelightSection::makeLastButtons()
+QLayout* RelightSection::makeLastButtons()
 {
-    auto* place = new PanelButton("scan", tr("Place on Image"));
-    auto* clear = new PanelButton("trash-2", tr("Clear All"));
-    m_clear = clear;
-    auto* buttons = new QWidget;
-    auto* line = new QHBoxLayout(buttons);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(8);
-    line->addWidget(place, 1);
-    line->addWidget(clear, 1);
-    connect(place, &QPushButton::clicked, this, [this] { m_model.enterRelight(); });
-    connect(clear, &QPushButton::clicked, this, [this] { m_model.clearLights(); });
-    return buttons;
+    m_place = new PanelButton("scan", tr("Place on Image"));
+    m_place->setCheckable(true);
+    m_clear = new PanelButton("trash-2", tr("Clear All"));
+    // Entering once more would forget what a cancel goes back to.
+    connect(m_place, &QPushButton::clicked, this,
+            [this] { m_model.relightMode ? m_model.exitRelight() : m_model.enterRelight(); });
+    connect(m_clear, &QPushButton::clicked, this, [this] { m_model.clearLights(); });
+    return buttonRow({m_place, m_clear});
 }
 
 void RelightSection::refresh()
@@ -164,6 +157,7 @@ void RelightSection::refresh()
     const bool hasLights = !m_model.lights.value().empty();
     m_hint->setVisible(!hasLights);
     m_clear->setEnabled(hasLights);
+    m_place->setChecked(m_model.relightMode);
 }
 
 void RelightSection::showList()

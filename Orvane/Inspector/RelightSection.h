@@ -9,10 +9,12 @@
 #include <vector>
 
 class QLabel;
+class QLayout;
 
 namespace orvane {
 
 class ModelSlider;
+class PanelButton;
 class RowList;
 class Toggle;
 
@@ -41,9 +43,9 @@ private:
         const LightRow& row;
         ModelSlider* slider;
     };
-    QWidget* makeAddButtons();
+    QLayout* makeAddButtons();
     QWidget* makeDetails();
-    QWidget* makeLastButtons();
+    QLayout* makeLastButtons();
     ModelSlider* lightBinding(const LightRow& row);
     void refresh();
     void showList();
@@ -55,7 +57,8 @@ private:
     QWidget* m_details; ///< of the selected light
     std::vector<Bound> m_sliders;
     Toggle* m_invert = nullptr;
-    QWidget* m_clear = nullptr;
+    PanelButton* m_place = nullptr;
+    PanelButton* m_clear = nullptr;
     FieldWatch m_watch;
 };
 

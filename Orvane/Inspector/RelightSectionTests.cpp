@@ -161,6 +161,33 @@ TEST_F(RelightSectionTest, PlacesOnTheImageByTheModelsTool)
     EXPECT_TRUE(model->relightMode);
     EXPECT_EQ(model->lights.value().size(), 1u);
     EXPECT_EQ(section.findChild<RowList*>()->count(), 1);
+    EXPECT_TRUE(button("Place on Image")->isChecked());
+    // Once more leaves the tool; what it goes back to is that of the first time.
+    click("Place on Image");
+    EXPECT_FALSE(model->relightMode);
+    EXPECT_FALSE(button("Place on Image")->isChecked());
+    EXPECT_EQ(model->lights.value().size(), 1u);
+}
+
+TEST_F(RelightSectionTest, ADragThatIsHiddenUnderTheHandEndsAndIsOneStep)
+{
+    click("Light");
+    clock += 10;
+    const size_t steps = model->historySteps().size();
+    DoubleClickSlider& warmth = slider("Warmth");
+    const QPoint knob = warmth.knobCentre().toPoint();
+    QTest::mousePress(&warmth, Qt::LeftButton, {}, knob);
+    for (int x = 10; x <= 30; x += 10) {
+        clock += 1;
+        QTest::mouseMove(&warmth, knob + QPoint(x, 0));
+    }
+    const double reached = model->lights.value().front().warmth;
+    section.hide();
+    section.show();
+    QTest::mouseMove(&warmth, knob + QPoint(60, 0));
+    EXPECT_GT(reached, 0);
+    EXPECT_EQ(model->lights.value().front().warmth, reached);
+    EXPECT_EQ(model->historySteps().size(), steps + 1);
 }
 
 using RetouchSectionTest = PictureSectionTest<RetouchSection>;

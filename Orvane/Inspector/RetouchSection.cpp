@@ -26,15 +26,11 @@ RetouchSection::RetouchSection(AppModel& model, QWidget* parent)
     Theme::makeSecondary(*m_count);
     auto* undo = new PanelButton("undo-2", tr("Undo Last"));
     auto* clear = new PanelButton("trash-2", tr("Clear"));
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(8);
-    buttons->addWidget(undo, 1);
-    buttons->addWidget(clear, 1);
     auto* healed = new QVBoxLayout(m_healed);
     healed->setContentsMargins(0, 0, 0, 0);
     healed->setSpacing(6);
     healed->addWidget(m_count);
-    healed->addLayout(buttons);
+    healed->addLayout(buttonRow({undo, clear}));
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 2, 0, 2);

@@ -1,5 +1,7 @@
 #include "SliderRow.h"
 
+#include "PanelControls.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 
@@ -8,18 +10,16 @@ namespace orvane {
 namespace {
 
 constexpr int rowHeight = 26;
-constexpr int labelWidth = 84;
 constexpr int fieldWidth = 52;
 
 } // namespace
 
 SliderRow::SliderRow(const QString& label, const Range& range, const QString& unit, QWidget* parent)
     : QWidget(parent)
-    , m_label(new QLabel(label))
+    , m_label(rowLabel(label))
     , m_slider(new DoubleClickSlider(range))
     , m_field(new ValueField(unit))
 {
-    m_label->setFixedWidth(labelWidth);
     m_field->setFixedSize(fieldWidth, 22);
     m_field->setNumber(value());
     setSpokenName(label);

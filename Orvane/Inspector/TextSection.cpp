@@ -2,7 +2,6 @@
 
 #include "ColorWell.h"
 #include "FontPicker.h"
-#include "HexColor.h"
 #include "Icon.h"
 #include "LayerList.h"
 #include "ModelSlider.h"
@@ -53,7 +52,7 @@ TextSection::TextSection(AppModel& model, QWidget* parent)
     : QWidget(parent)
     , m_model(model)
     , m_list(new RowList(tr("Texts")))
-    , m_colorStep(model)
+    , m_step(model)
     , m_details(makeDetails())
     , m_watch([this] { refresh(); })
 {
@@ -102,7 +101,7 @@ QWidget* TextSection::makeDetails()
     column->addLayout(fontRow);
     column->addSpacing(2);
     connect(m_font, &FontPicker::familyPicked, this, [this](const QString& family) {
-        m_model.setTextFont(m_model.selectedTextID, family.toStdString());
+        m_step.take([&] { m_model.setTextFont(m_model.selectedTextID, family.toStdString()); });
     });
     addSliders(*column);
 
@@ -112,10 +111,10 @@ QWidget* TextSection::makeDetails()
     colorRow->addWidget(m_color);
     column->addLayout(colorRow);
     connect(m_color, &ColorWell::colorPicked, this, [this](const QColor& color) {
-        m_colorStep.begin();
+        m_step.begin();
         m_model.setTextColor(m_model.selectedTextID, color.name().toStdString());
     });
-    connect(m_color, &ColorWell::pickEnded, this, [this] { m_colorStep.end(); });
+    connect(m_color, &ColorWell::pickEnded, this, [this] { m_step.end(); });
 
     m_shadow = new Toggle(tr("Shadow"));
     column->addWidget(m_shadow);
@@ -221,8 +220,7 @@ void TextSection::showSelected()
     m_font->setFamily(QString::fromStdString(layer->font));
     for (ModelSlider* slider : m_sliders)
         slider->refresh();
-    const CIColor color = colorFromHex(layer->colorHex);
-    m_color->setColor(QColor::fromRgbF(float(color.red), float(color.green), float(color.blue)));
+    m_color->setHex(layer->colorHex);
     m_shadow->setChecked(layer->shadow);
 
     const int number = m_model.textLayerNumber(layer->id);

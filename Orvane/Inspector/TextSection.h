@@ -48,7 +48,7 @@ private:
     QLabel* m_place = nullptr; ///< "2 of 3"
     GlyphButton* m_backward = nullptr;
     GlyphButton* m_forward = nullptr;
-    OneStep m_colorStep;
+    OneStep m_step; ///< of the colour and the font
     QWidget* m_details; ///< of the selected layer
     bool m_isShowing = false; ///< the field is being set, not typed into
     FieldWatch m_watch;

@@ -143,6 +143,28 @@ TEST_F(TextSectionTest, SlidersShadowAndColourWriteTheSelectedLayer)
     EXPECT_EQ(section.findChild<ColorWell*>()->color(), QColor(Qt::white));
 }
 
+TEST_F(TextSectionTest, AHeldKeyOnAPositionAndAWalkThroughTheFontsAreOneStepEach)
+{
+    click("Add Text");
+    const auto sliders = section.findChildren<ModelSlider*>();
+    QWidget* const controls[] = {&sliders[1]->slider(), &sliders[2]->slider(), font};
+    for (QWidget* control : controls) {
+        const size_t before = steps();
+        control->setFocus();
+        for (const double pause : {10.0, 0.7, 0.04, 0.04}) {
+            clock += pause;
+            press(Qt::Key_Down);
+        }
+        EXPECT_EQ(steps(), before + 1);
+    }
+    EXPECT_NEAR(layer(0).x, 0.46, 1e-12);
+    EXPECT_NEAR(layer(0).y, 0.81, 1e-12);
+    EXPECT_EQ(layer(0).font, AppModel::textFonts()[4].id);
+    model->undo();
+    QApplication::processEvents();
+    EXPECT_EQ(font->text(), "System");
+}
+
 TEST_F(TextSectionTest, FontsAreFoundByTypingAndTakenByReturn)
 {
     click("Add Text");

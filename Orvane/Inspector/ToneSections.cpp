@@ -5,8 +5,6 @@
 
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace orvane {
 
 namespace {
@@ -35,8 +33,8 @@ CurvesSection::CurvesSection(AppModel& model, QWidget* parent)
 {
     keepOneStep(m_editor, m_step);
     connect(m_editor, &CurveEditor::curveEdited, this,
-            [&model](const QString& channel, const CurveEditing::Points& points) {
-                model.setCurve(channel.toStdString(), points);
+            [this, &model](const QString& channel, const CurveEditing::Points& points) {
+                m_step.take([&] { model.setCurve(channel.toStdString(), points); });
             });
     m_watch.watch(model.curve);
     m_watch.refresh();
@@ -44,10 +42,7 @@ CurvesSection::CurvesSection(AppModel& model, QWidget* parent)
 
 bool CurvesSection::isEdited(const AppModel& model)
 {
-    const auto& curves = model.curve.value();
-    return std::any_of(curves.begin(), curves.end(), [](const auto& entry) {
-        return !entry.second.empty() && !CurveEditing::isIdentity(entry.second);
-    });
+    return CurveEditing::isBent(model.curve);
 }
 
 LevelsSection::LevelsSection(AppModel& model, QWidget* parent)
@@ -60,7 +55,7 @@ LevelsSection::LevelsSection(AppModel& model, QWidget* parent)
 {
     keepOneStep(m_view, m_step);
     connect(m_view, &LevelsView::levelEdited, this, [this](const QString& key, double value) {
-        m_model.setLevels(key.toStdString(), value);
+        m_step.take([&] { m_model.setLevels(key.toStdString(), value); });
     });
     m_watch.watch(model.adjust);
     m_watch.refresh();

@@ -92,7 +92,7 @@ std::optional<CGImage> CIContext::createCGImage(const CIImage& image, const CGRe
     result.rowBytes = size_t(area.width()) * 4;
     try {
         result.pixels = PixelMemory(result.rowBytes * size_t(area.height()),
-                                    options.keepIntermediates ? m_impl->cache.spares() : nullptr);
+                                    m_impl->cache.memory(options.keepIntermediates));
     } catch (const std::bad_alloc&) {
         return {};
     }

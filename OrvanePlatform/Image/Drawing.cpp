@@ -169,9 +169,8 @@ void Drawing::allocate(size_t stored)
         planned.node->opaque && (coarse || planned.node->extent.contains(planned.region));
     const int rows = kept ? planned.region.height() : m_schedule.images[stored].rows;
     const StoredFormat format = coarse || planned.exact ? StoredFormat::Float : m_format;
-    m_stored[stored] =
-        std::make_shared<StoredImage>(planned.region, opaque, format, rows,
-                                      m_options.keepIntermediates ? m_cache.spares() : nullptr);
+    m_stored[stored] = std::make_shared<StoredImage>(planned.region, opaque, format, rows,
+                                                     m_cache.memory(m_options.keepIntermediates));
     m_storedBytes += m_stored[stored]->byteSize();
     m_statistics.peakStoredBytes = std::max(m_statistics.peakStoredBytes, m_storedBytes);
     m_statistics.storedImages += planned.form != Form::Averages;

@@ -23,8 +23,12 @@ public:
     /// Of the images with the same role, the same step of draws that differ in their settings, only
     /// the last few stay: what a slider has left behind is not asked for again.
     void keep(const Digest& key, const Digest& role, std::shared_ptr<StoredImage> image);
-    /// Memory of images that went, for new ones.
-    const std::shared_ptr<SpareMemory>& spares() const { return m_spares; }
+    /// Memory for what a draw makes: of previews from those before it, for those after it; of
+    /// others from the system, and back to it.
+    const std::shared_ptr<SpareMemory>& memory(bool preview) const
+    {
+        return preview ? m_spares : m_passing;
+    }
 
 private:
     struct Entry {
@@ -39,6 +43,7 @@ private:
 
     std::mutex m_mutex;
     std::shared_ptr<SpareMemory> m_spares = std::make_shared<SpareMemory>(spareBytes);
+    std::shared_ptr<SpareMemory> m_passing = std::make_shared<SpareMemory>(0);
     std::list<Entry> m_entries; ///< most recently used first
     size_t m_bytes = 0;
     size_t m_budget;

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <vector>
+
 namespace orvane {
 namespace {
 
@@ -33,6 +36,29 @@ TEST(SpareMemory, HandsOutWhatFitsAndForgetsNobody)
     spares.reset();
     last = PixelMemory();
     EXPECT_EQ(last.data(), nullptr);
+}
+
+/// Of this process, mapped by whatever means.
+size_t addressSpaceBytes()
+{
+    std::ifstream statistics("/proc/self/statm");
+    size_t pages = 0;
+    statistics >> pages;
+    return pages * 4096;
+}
+
+TEST(SpareMemory, GivesAllBeyondItsLimitToTheSystem)
+{
+    const size_t before = addressSpaceBytes();
+    auto spares = std::make_shared<SpareMemory>(0);
+    {
+        std::vector<PixelMemory> many;
+        for (int i = 0; i < 64; ++i)
+            many.emplace_back(4 * megabyte + size_t(i) * 4096, spares);
+        EXPECT_GE(addressSpaceBytes(), before + 256 * megabyte);
+    }
+    spares.reset(); // waits for what is on its way
+    EXPECT_LT(addressSpaceBytes(), before + 128 * megabyte);
 }
 
 TEST(IntermediateCache, KeepsTheLastTwoOfARoleAndStaysWithinItsBudget)

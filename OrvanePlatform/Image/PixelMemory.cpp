@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 #include <sys/mman.h>
+#include <system_error>
+#include <utility>
 
 namespace orvane {
 
@@ -10,6 +12,7 @@ namespace {
 
 constexpr size_t page = 4096;
 constexpr size_t large = size_t(1) << 20;
+constexpr size_t freedAtOnce = size_t(4) << 20;
 constexpr std::align_val_t cacheLine{64};
 
 bool isLarge(size_t bytes)
@@ -34,6 +37,8 @@ uint8_t* mapped(size_t bytes)
 
 SpareMemory::~SpareMemory()
 {
+    if (m_freed.valid())
+        m_freed.wait();
     for (const Block& block : m_blocks)
         munmap(block.memory, block.bytes);
 }
@@ -55,14 +60,37 @@ SpareMemory::Block SpareMemory::take(size_t bytes)
 
 void SpareMemory::giveBack(Block block)
 {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     m_blocks.push_back(block);
     m_bytes += block.bytes;
     while (m_bytes > m_limit) {
-        munmap(m_blocks.front().memory, m_blocks.front().bytes);
         m_bytes -= m_blocks.front().bytes;
+        m_surplus.push_back(m_blocks.front());
         m_blocks.erase(m_blocks.begin());
     }
+    if (m_surplus.empty() || std::exchange(m_freeing, true))
+        return;
+    try {
+        m_freed = std::async(std::launch::async, [this] { freeSurplus(); });
+    } catch (const std::system_error&) { // no more threads
+        lock.unlock();
+        freeSurplus();
+    }
+}
+
+void SpareMemory::freeSurplus()
+{
+    std::unique_lock lock(m_mutex);
+    while (!m_surplus.empty()) {
+        const Block block = m_surplus.back();
+        m_surplus.pop_back();
+        lock.unlock();
+        // In pieces: until one is through, whoever else maps memory or gives some back waits.
+        for (size_t start = 0; start < block.bytes; start += freedAtOnce)
+            munmap(block.memory + start, std::min(freedAtOnce, block.bytes - start));
+        lock.lock();
+    }
+    m_freeing = false;
 }
 
 PixelMemory::PixelMemory(size_t bytes, const std::shared_ptr<SpareMemory>& spares)

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -9,11 +10,13 @@
 namespace orvane {
 
 /// Large pieces of memory that were given back, for whoever next needs one of about that size:
-/// fresh memory costs a system its clearing, 10 to 60 ms for what one preview stores. Safe to use
-/// from several threads.
+/// fresh memory costs a system its clearing, 10 to 60 ms for what one preview stores. What goes
+/// back to the system does so behind its user's back: 300 MB take 30 ms, for which whoever has
+/// cancelled a draw would wait. Safe to use from several threads.
 class SpareMemory {
 public:
-    /// limitBytes: what is given back beyond it goes to the system, the oldest first.
+    /// limitBytes: what is given back beyond it goes to the system, the oldest first; with 0,
+    /// everything.
     explicit SpareMemory(size_t limitBytes)
         : m_limit(limitBytes)
     {
@@ -32,11 +35,15 @@ private:
     /// A block of at least so many bytes, or none.
     Block take(size_t bytes);
     void giveBack(Block block);
+    void freeSurplus();
 
     std::mutex m_mutex;
     std::vector<Block> m_blocks;
+    std::vector<Block> m_surplus; ///< on their way to the system
+    bool m_freeing = false;
     size_t m_bytes = 0;
     size_t m_limit;
+    std::future<void> m_freed; ///< last: it uses everything above
 };
 
 /// Uninitialised memory for pixels; large pieces from the spares, if there are any that fit.

@@ -98,6 +98,12 @@ CoarseEdges coarseEdges(const Node& blurred)
     return repeated ? CoarseEdges::Repeated : CoarseEdges::Transparent;
 }
 
+const Node& averagedNode(const Node& blur)
+{
+    const Node& blurred = *blur.inputs.front();
+    return coarseEdges(blurred) == CoarseEdges::Repeated ? *blurred.inputs.front() : blurred;
+}
+
 CellExtent cellExtent(const Node& blurred, int factor)
 {
     const bool repeated = coarseEdges(blurred) == CoarseEdges::Repeated;

@@ -36,6 +36,8 @@ PixelRect coarserCells(PixelRect rect, int levels);
 /// What lies around the cells of a coarse image.
 enum class CoarseEdges { Transparent, Repeated };
 CoarseEdges coarseEdges(const Node& blurred);
+/// The pixels that are averaged for a blur: its input but for the clamp that repeats the edges.
+const Node& averagedNode(const Node& blur);
 /// The cells that hold all there is of a blur's input: beyond them lie zeros, or repeats of the
 /// outermost ones. What is unlimited is left so.
 struct CellExtent {

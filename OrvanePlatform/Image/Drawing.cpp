@@ -1,5 +1,6 @@
 #include "Drawing.h"
 
+#include "CellAverager.h"
 #include "PixelKernels.h"
 #include "ReducedBlur.h"
 
@@ -211,18 +212,8 @@ void Drawing::drawTile(const PlanPass& pass, int slot, const PixelRect& tile,
             .draw(tile, [&](const TilePlanes& planes, const PixelRect& rows) {
                 image->write(planes, rows);
             });
-    case Form::Averages: {
-        if (planned.averages < 0) {
-            const int levels = levelsBetween(1, planned.factor);
-            return averageCells(evaluator(pass, slot).draw(finerCells(tile, levels)), tile, levels,
-                                *image, arena);
-        }
-        const StoredPlan& finer = m_plan.stored[size_t(planned.averages)];
-        arena.reset();
-        return averageCells(*m_stored[size_t(planned.averages)],
-                            coarseEdges(*finer.node->inputs.front()), tile,
-                            levelsBetween(finer.factor, planned.factor), *image, arena);
-    }
+    case Form::Averages:
+        return averageTile(pass, slot, tile);
     case Form::ReducedBlur: {
         const Pass& own = m_passes[size_t(&pass - m_plan.passes.data())];
         arena.reset();
@@ -232,6 +223,30 @@ void Drawing::drawTile(const PlanPass& pass, int slot, const PixelRect& tile,
     case Form::Histogram:
         return count(*planned.node->as<HistogramNode>(), evaluator(pass, slot).draw(tile), tile);
     }
+}
+
+void Drawing::averageTile(const PlanPass& pass, int slot, const PixelRect& tile)
+{
+    const StoredPlan& planned = m_plan.stored[size_t(pass.target)];
+    StoredImage& image = *m_stored[size_t(pass.target)];
+    const CoarseEdges edges = coarseEdges(*planned.node->inputs.front());
+    TileArena& arena = m_arenas[size_t(slot)];
+    if (planned.averages >= 0) {
+        const StoredPlan& finer = m_plan.stored[size_t(planned.averages)];
+        const PixelRect cells = storedReads(m_plan, pass, tile).front().rect;
+        arena.reset();
+        CellAverager averager(tile, levelsBetween(finer.factor, planned.factor), edges, cells,
+                              image, arena);
+        averager.add(*m_stored[size_t(planned.averages)]);
+        return averager.finish();
+    }
+    const PixelRect pixels = pixelsBehind(m_plan, pass, tile);
+    CellAverager averager(tile, levelsBetween(1, planned.factor), edges, pixels, image, arena);
+    if (!pixels.isEmpty())
+        evaluator(pass, slot).draw(pixels, [&](const TilePlanes& planes, const PixelRect& rows) {
+            averager.add(planes, rows);
+        });
+    averager.finish();
 }
 
 bool Drawing::drawRows(size_t step, const TiledRenderer::TileTarget& target)

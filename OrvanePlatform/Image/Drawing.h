@@ -49,6 +49,7 @@ private:
     void release(size_t step);
     void drawTile(const PlanPass& pass, int slot, const PixelRect& tile,
                   const TiledRenderer::TileTarget& target);
+    void averageTile(const PlanPass& pass, int slot, const PixelRect& tile);
     TileEvaluator& evaluator(const PlanPass& pass, int slot);
     void count(const HistogramNode& histogram, const TilePlanes& planes, const PixelRect& tile);
     void settleHistogram(const PlanPass& pass);

@@ -32,8 +32,9 @@ PixelRect pixelsBehind(const Plan& plan, const PlanPass& pass, const PixelRect& 
     if (pass.target < 0 || plan.stored[size_t(pass.target)].form != StoredPlan::Form::Averages)
         return rect;
     const StoredPlan& averages = plan.stored[size_t(pass.target)];
-    return blurredNode(averages).extent.clipped(
-        finerCells(rect, levelsBetween(1, averages.factor)));
+    const Node& input = blurredNode(averages);
+    return cellExtent(input, 1).held(finerCells(rect, levelsBetween(1, averages.factor)),
+                                     coarseEdges(input));
 }
 
 std::vector<StoredRead> storedReads(const Plan& plan, const PlanPass& pass, const PixelRect& rect)

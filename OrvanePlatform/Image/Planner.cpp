@@ -266,7 +266,7 @@ private:
         const int index = int(m_plan.stored.size());
         m_averages[key] = index;
         m_plan.stored.push_back(stored);
-        collectPass(*blur.inputs.front(), index, false);
+        collectPass(averagedNode(blur), index, false);
         // Far coarser ones would read their tiles with a border as wide as the tiles.
         if (factor > coarsestFromPixels)
             storedAverages(blur, coarsestFromPixels);

@@ -80,14 +80,12 @@ HWY_INLINE Lanes halved(Lanes a, Lanes b, Lanes c, Lanes d)
     return mulAdd(b + c, Lanes(0.375f), (a + d) * Lanes(0.125f));
 }
 
-void halveDownRun(const float* first, std::ptrdiff_t stride, float* out, int count)
+void halveDownRun(const std::array<const float*, 4>& rows, float* out, int count)
 {
-    for (int i = 0; i < count; i += int(Lanes::count())) {
-        const float* p = first + i;
-        halved(Lanes::load(p), Lanes::load(p + stride), Lanes::load(p + 2 * stride),
-               Lanes::load(p + 3 * stride))
+    for (int i = 0; i < count; i += int(Lanes::count()))
+        halved(Lanes::load(rows[0] + i), Lanes::load(rows[1] + i), Lanes::load(rows[2] + i),
+               Lanes::load(rows[3] + i))
             .store(out + i);
-    }
 }
 
 void halveAcrossRun(const float* in, float* out, int count)
@@ -109,10 +107,15 @@ HWY_INLINE Lanes doubled(Lanes near, Lanes far)
     return mulAdd(near, Lanes(0.75f), far * Lanes(0.25f));
 }
 
-void doubleDownRun(const float* near, const float* far, float* out, int count)
+void blendRowsRun(const ThreeRows& rows, float below, float above, float* out, int count)
 {
-    for (int i = 0; i < count; i += int(Lanes::count()))
-        doubled(Lanes::load(near + i), Lanes::load(far + i)).store(out + i);
+    const Lanes low(below);
+    const Lanes high(above);
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Lanes middle = Lanes::load(rows.middle + i);
+        const Lanes raised = mulAdd(Lanes::load(rows.above + i) - middle, high, middle);
+        mulAdd(Lanes::load(rows.below + i) - middle, low, raised).store(out + i);
+    }
 }
 
 /// a0 b0 a1 b1 ...
@@ -152,7 +155,7 @@ HWY_EXPORT(convolveAcrossRun);
 HWY_EXPORT(convolveDownRun);
 HWY_EXPORT(halveDownRun);
 HWY_EXPORT(halveAcrossRun);
-HWY_EXPORT(doubleDownRun);
+HWY_EXPORT(blendRowsRun);
 HWY_EXPORT(doubleAcrossRun);
 
 void convolveAcross(const float* in, float* out, int count, const float* weights, int reach)
@@ -166,9 +169,9 @@ void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
     HWY_DYNAMIC_DISPATCH(convolveDownRun)(in, out, count, rows, weights, reach);
 }
 
-void halveDown(const float* first, std::ptrdiff_t stride, float* out, int count)
+void halveDown(const std::array<const float*, 4>& rows, float* out, int count)
 {
-    HWY_DYNAMIC_DISPATCH(halveDownRun)(first, stride, out, count);
+    HWY_DYNAMIC_DISPATCH(halveDownRun)(rows, out, count);
 }
 
 void halveAcross(const float* in, float* out, int count)
@@ -176,9 +179,9 @@ void halveAcross(const float* in, float* out, int count)
     HWY_DYNAMIC_DISPATCH(halveAcrossRun)(in, out, count);
 }
 
-void doubleDown(const float* near, const float* far, float* out, int count)
+void blendRows(const ThreeRows& rows, float below, float above, float* out, int count)
 {
-    HWY_DYNAMIC_DISPATCH(doubleDownRun)(near, far, out, count);
+    HWY_DYNAMIC_DISPATCH(blendRowsRun)(rows, below, above, out, count);
 }
 
 void doubleAcross(const float* in, float* out, int count)

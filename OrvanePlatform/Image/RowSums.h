@@ -1,12 +1,13 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 
 namespace orvane {
 
 // Weighted sums of whole rows of floats, in the instruction set of the machine. Rows are read and
-// written up to rowPadding elements past what is asked for, the two that double or halve up to
-// twice that. A sum's terms come in one order whatever the row's length, so a pixel's value never
+// written up to rowPadding elements past what is asked for, those that double or halve up to twice
+// that. A sum's terms come in one order whatever the row's length, so a pixel's value never
 // depends on where its tile begins.
 
 /// out[x] = sum of weights[|k|] in[x + k] for |k| <= reach. `in` and `out` must differ.
@@ -20,12 +21,19 @@ struct RowBlock {
 /// that the first of `out` lies over.
 void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
                   const float* weights, int reach);
-/// out = (1 3 3 1) / 8 of four rows, `stride` apart.
-void halveDown(const float* first, std::ptrdiff_t stride, float* out, int count);
+/// out = (1 3 3 1) / 8 of four rows.
+void halveDown(const std::array<const float*, 4>& rows, float* out, int count);
 /// out[i] = (1 3 3 1) / 8 of in[2 i] .. in[2 i + 3].
 void halveAcross(const float* in, float* out, int count);
-/// out = 3/4 near + 1/4 far.
-void doubleDown(const float* near, const float* far, float* out, int count);
+/// Rows above one another.
+struct ThreeRows {
+    const float* below;
+    const float* middle;
+    const float* above;
+};
+/// out = the middle row, less what the weights of the two others take from it; rows that are alike
+/// stay so to the bit.
+void blendRows(const ThreeRows& rows, float below, float above, float* out, int count);
 /// out[2 i] = 3/4 in[i] + 1/4 in[i - 1], out[2 i + 1] = 3/4 in[i] + 1/4 in[i + 1], for i below
 /// count.
 void doubleAcross(const float* in, float* out, int count);

@@ -28,9 +28,9 @@ StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format
     , m_format(format)
     , m_stride(strideFor(rect.width(), elementSize()))
     , m_planeElements(size_t(m_stride) * size_t(rows))
-    // The padding lets whole vectors be read past the end of the last row.
+    // Lets whole vectors, and those who read two at a time, read past the end of the last row.
     , m_memory(m_planeElements * elementSize() * size_t(opaque ? 3 : 4)
-                   + rowPadding * sizeof(float),
+                   + 2 * rowPadding * sizeof(float),
                spares)
 {
 }

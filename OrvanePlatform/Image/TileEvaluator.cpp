@@ -1,10 +1,10 @@
 #include "TileEvaluator.h"
 
 #include "Bitmap.h"
+#include "BlurGrid.h"
 #include "BlurWeights.h"
 #include "Lanczos.h"
 #include "PlaneConversion.h"
-#include "ReducedBlur.h"
 #include "SourceReader.h"
 
 #include <algorithm>
@@ -171,14 +171,8 @@ TilePlanes TileEvaluator::drawStored(size_t index, const PlanStep& step, const P
 {
     const StoredPlan& plan = m_storedPlans[size_t(step.stored)];
     StoredImage& image = *m_stored[size_t(step.stored)];
-    if (plan.form == StoredPlan::Form::ReducedBlur) {
-        if (!m_groups.oneRow[index])
-            return enlargedBlur(image, plan.factor, rect, m_arena);
-        const TilePlanes widened = widenedBlur(image, plan.factor, rect, m_arena);
-        const TilePlanes row = m_arena.rowPlanes(rect, image.opaque());
-        m_runs.add(rect, [=](int y) { drawEnlargedRow(widened, y, row); }, {widened, row});
-        return row;
-    }
+    if (plan.form == StoredPlan::Form::ReducedBlur)
+        return drawEnlarged(index, EnlargedBlur(image, plan.factor, rect, m_arena), rect);
     if (const auto view = image.view(rect)) {
         m_drawn[index].reusable = false;
         return *view;
@@ -188,6 +182,20 @@ TilePlanes TileEvaluator::drawStored(size_t index, const PlanStep& step, const P
     const TilePlanes row = m_arena.rowPlanes(rect, image.opaque());
     m_runs.add(rect, [&image, row](int y) { image.readRow(y, row); }, {row});
     return row;
+}
+
+TilePlanes TileEvaluator::drawEnlarged(size_t index, const EnlargedBlur& blur,
+                                       const PixelRect& rect)
+{
+    if (m_groups.oneRow[index]) {
+        const TilePlanes row = blur.rowPlanes(m_arena);
+        m_runs.add(rect, [=](int y) { blur.drawRow(y, row); }, {blur.scratch(), row});
+        return row;
+    }
+    const TilePlanes planes = blur.planes(m_arena);
+    for (int y = rect.y0; y < rect.y1; ++y)
+        blur.drawRow(y, planes);
+    return planes;
 }
 
 TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep&, const SourceNode& node,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EnlargedBlur.h"
 #include "Planner.h"
 #include "PointwiseRuns.h"
 #include "StoredImage.h"
@@ -69,6 +70,7 @@ private:
     TilePlanes passedOn(size_t index, size_t from, const PixelRect& rect);
 
     TilePlanes drawStored(size_t index, const PlanStep& step, const PixelRect& rect);
+    TilePlanes drawEnlarged(size_t index, const EnlargedBlur& blur, const PixelRect& rect);
     TilePlanes drawNode(size_t index, const PlanStep& step, const SourceNode& node,
                         const PixelRect& rect);
     TilePlanes drawNode(size_t index, const PlanStep& step, const PointwiseNode& node,

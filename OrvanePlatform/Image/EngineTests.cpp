@@ -159,6 +159,42 @@ TEST(Tiles, AnySizeOrderAndNumberOfThreadsGiveTheSameBits)
     }
 }
 
+TEST(Tiles, ABlurThatAMaskFadesInIsDrawnWhereTheMaskAsksForIt)
+{
+    const CIColor black{0, 0, 0, 1};
+    const CIColor white{1, 1, 1, 1};
+    const auto ramp = [&](double reach) {
+        return CIFilter::linearGradient({0, 150 + reach}, black, {0, 150 + 2 * reach}, white);
+    };
+    for (const int channels : {3, 4}) {
+        const CIImage picture = photograph(70, 300, channels);
+        const CIImage mask = CIFilter::maximumCompositing(ramp(40), ramp(-40));
+        const CIImage image = CIFilter::maskedVariableBlur(picture, mask, 40);
+        const auto whole =
+            drawn(image, CIContext({.tileWidth = 512, .tileHeight = 512}), PixelFormat::RGBAFloat);
+        for (const auto& [width, height] : {std::pair{33, 17}, std::pair{512, 1}})
+            EXPECT_EQ(drawn(image, CIContext({.tileWidth = width, .tileHeight = height}),
+                            PixelFormat::RGBAFloat),
+                      whole)
+                << width << " x " << height;
+        const auto fast = tiled(image, pixels(image));
+        const auto exact = reference(image, pixels(image));
+        for (size_t i = 0; i < fast.size(); ++i)
+            ASSERT_NEAR(fast[i], exact[i], 1e-3) << "row " << i / 4 / 70;
+        // A quarter of the radius is mixed in up to half of it: within 40 + 20 rows of the middle.
+        const Plan plan = makePlan(*image.node(), pixels(image), 0, 0);
+        int quarters = 0;
+        for (const StoredPlan& stored : plan.stored) {
+            if (stored.form != StoredPlan::Form::ReducedBlur
+                || stored.node->as<GaussianNode>()->sigma != 10)
+                continue;
+            ++quarters;
+            EXPECT_LT(stored.region.height() * stored.factor, 150);
+        }
+        EXPECT_EQ(quarters, 1);
+    }
+}
+
 TEST(Tiles, AWeightedSumOfOnesIsTheSameInsideAndAtTheEdge)
 {
     // The middle of each lies within opaque pixels, its rim does not.

@@ -106,8 +106,12 @@ PixelRect clampedInto(const PixelRect& rect, const PixelRect& extent)
 }
 
 /// The part of `rect` in which input `index` has a say.
-PixelRect deciding(const Node& node, Cover cover, size_t index, const PixelRect& rect)
+PixelRect deciding(const Node& node, const PointwiseKernel& kernel, size_t index,
+                   const PixelRect& rect)
 {
+    if (kernel.deciding)
+        return kernel.deciding(node, index, rect);
+    const Cover cover = kernel.cover;
     if (cover == Cover::FirstOverSecond && index == 1) {
         const Node& first = *node.inputs[0];
         return first.opaque && first.extent.contains(rect) ? PixelRect{} : rect;
@@ -152,27 +156,26 @@ PixelRect neededInput(const Node& node, size_t index, const PixelRect& rect)
         return extent.infinite ? r : clampedInto(r, extent.rect);
     };
     const PixelRect needed = std::visit(
-        Overload{
-            [](const SourceNode&) { return PixelRect{}; },
-            [&](const PointwiseNode& n) { return deciding(node, n.kernel->cover, index, rect); },
-            [&](const CropNode&) { return rect; },
-            [&](const ClampNode&) { return clampedRead(rect); },
-            [&](const OrthogonalNode& n) { return n.forward.inverted().apply(rect); },
-            [&](const WarpNode& n) {
-                const CGRect region = n.kernel->region(n.parameters.record.data(), rect);
-                // A bilinear sample reads half a pixel to each side; one more covers rounding.
-                return roundedOutward(region.inset(-1.5, -1.5));
-            },
-            [&](const HalveNode& n) { return clampedRead(halvedSource(n, rect)); },
-            [&](const GaussianNode& n) { return rect.grown(gaussianBorder(n.sigma)); },
-            [&](const LanczosNode& n) {
-                PixelRect source;
-                lanczosSpan(n.x, rect.x0, rect.x1, source.x0, source.x1);
-                lanczosSpan(n.y, rect.y0, rect.y1, source.y0, source.y1);
-                return clampedRead(source);
-            },
-            [&](const WindowNode& n) { return clampedRead(rect.grown(n.border)); },
-            [&](const HistogramNode& n) { return n.region; }},
+        Overload{[](const SourceNode&) { return PixelRect{}; },
+                 [&](const PointwiseNode& n) { return deciding(node, *n.kernel, index, rect); },
+                 [&](const CropNode&) { return rect; },
+                 [&](const ClampNode&) { return clampedRead(rect); },
+                 [&](const OrthogonalNode& n) { return n.forward.inverted().apply(rect); },
+                 [&](const WarpNode& n) {
+                     const CGRect region = n.kernel->region(n.parameters.record.data(), rect);
+                     // A bilinear sample reads half a pixel to each side; one more covers rounding.
+                     return roundedOutward(region.inset(-1.5, -1.5));
+                 },
+                 [&](const HalveNode& n) { return clampedRead(halvedSource(n, rect)); },
+                 [&](const GaussianNode& n) { return rect.grown(gaussianBorder(n.sigma)); },
+                 [&](const LanczosNode& n) {
+                     PixelRect source;
+                     lanczosSpan(n.x, rect.x0, rect.x1, source.x0, source.x1);
+                     lanczosSpan(n.y, rect.y0, rect.y1, source.y0, source.y1);
+                     return clampedRead(source);
+                 },
+                 [&](const WindowNode& n) { return clampedRead(rect.grown(n.border)); },
+                 [&](const HistogramNode& n) { return n.region; }},
         node.data);
     return extent.clipped(needed);
 }

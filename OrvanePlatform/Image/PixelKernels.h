@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CIImage.h"
+#include "GreyRange.h"
 #include "Node.h"
 
 #include <span>
@@ -50,6 +51,11 @@ struct PointwiseKernel {
     PointwiseRun opaque; ///< every input opaque: alpha planes are neither read nor written
     PointwiseRun general;
     PointwiseRun reference;
+    /// The rows of `rect` in which input `index` may have a say; null: all. Elsewhere the program
+    /// looks at it but makes no use of what it sees. Of a part of `rect` these are never more.
+    PixelRect (*deciding)(const Node& node, size_t index, const PixelRect& rect) = nullptr;
+    /// Of generators and what is made of them, greyRange; null: unknown.
+    GreyRange (*range)(const Node& node, const PixelRect& rect) = nullptr;
 };
 
 /// Where a resampling reads: positions in continuous input coordinates, or NaN for "nothing here".

@@ -38,8 +38,8 @@
 #define ORVANE_POINTWISE_KERNEL_INL_H
 #endif
 
-#include "Lanes-inl.h"
 #include "PixelKernels.h"
+#include "Lanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace orvane::HWY_NAMESPACE {
@@ -159,7 +159,8 @@ HWY_AFTER_NAMESPACE();
     }
 
 /// The program's entry, choosing the instruction set when it first runs; once, in namespace orvane.
-#define ORVANE_KERNEL(variable, Kernel, name)                                                      \
+/// Further arguments are the last members of PointwiseKernel, where a program has them.
+#define ORVANE_KERNEL(variable, Kernel, name, ...)                                                 \
     HWY_EXPORT(run##Kernel##Opaque);                                                               \
     HWY_EXPORT(run##Kernel##General);                                                              \
     static const PointwiseKernel variable                                                          \
@@ -172,7 +173,7 @@ HWY_AFTER_NAMESPACE();
             [](const void* record, const float* table, const PointwiseRow& row) {                  \
                 HWY_DYNAMIC_DISPATCH(run##Kernel##General)(record, table, row);                    \
             },                                                                                     \
-            HWY_NAMESPACE::run##Kernel##Reference                                                  \
+            HWY_NAMESPACE::run##Kernel##Reference __VA_OPT__(, ) __VA_ARGS__                       \
     }
 
 #endif

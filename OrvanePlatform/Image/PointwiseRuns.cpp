@@ -55,8 +55,9 @@ TilePlanes PointwiseRuns::zeros(const PixelRect& rect)
 {
     const size_t size = size_t(rect.width() + rowPadding);
     if (m_zeros.size() < size) {
-        // Those who wait may read the row that is about to move.
-        flush();
+        // Those who wait read the old row; to run them now would leave the rows that they draw for
+        // the asker behind.
+        m_outgrown.push_back(std::move(m_zeros));
         m_zeros.assign(size, 0.0f);
     }
     TilePlanes planes;
@@ -126,6 +127,7 @@ void PointwiseRuns::flush()
         m_arena.letGo(run.output);
     }
     m_waiting.clear();
+    m_outgrown.clear();
 }
 
 } // namespace orvane

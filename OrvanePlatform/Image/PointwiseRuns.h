@@ -61,6 +61,7 @@ private:
     TileArena& m_arena;
     std::vector<Waiting> m_waiting;
     std::vector<float> m_zeros;
+    std::vector<std::vector<float>> m_outgrown; ///< rows of zeros that some who wait read
     std::vector<float> m_ones; ///< the alpha of opaque inputs beside others
 };
 

@@ -164,7 +164,13 @@ void TileEvaluator::drawStep(size_t index)
 TilePlanes TileEvaluator::input(const PlanStep& step, size_t n, const PixelRect& rect)
 {
     const Drawn& drawn = m_drawn[size_t(step.inputs[n])];
-    return coveringPlanes(drawn.empty ? TilePlanes{} : drawn.planes, rect, m_arena);
+    if (drawn.empty || drawn.planes.stride != 0)
+        return coveringPlanes(drawn.empty ? TilePlanes{} : drawn.planes, rect, m_arena);
+    // One row stands for all; where it is not drawn, the reader makes no use of it.
+    TilePlanes planes = drawn.planes;
+    planes.rect.y0 = std::min(planes.rect.y0, rect.y0);
+    planes.rect.y1 = std::max(planes.rect.y1, rect.y1);
+    return planes;
 }
 
 TilePlanes TileEvaluator::drawStored(size_t index, const PlanStep& step, const PixelRect& rect)
@@ -271,8 +277,12 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Poi
     run.inputCount = step.inputs.size();
     run.opaque = !step.inputs.empty() || step.node->opaque;
     for (size_t n = 0; n < step.inputs.size(); ++n) {
+        const Node& read = *m_pass.steps[size_t(step.inputs[n])].node;
         const bool empty = m_drawn[size_t(step.inputs[n])].empty;
         run.inputs[n] = empty ? m_runs.zeros(rect) : input(step, n, rect);
+        // It has pixels, but none that were asked for.
+        if (empty && read.opaque && read.extent.contains(rect))
+            run.inputs[n].plane[3] = nullptr;
         run.opaque = run.opaque && run.inputs[n].opaque();
     }
     run.output = pointwiseOutput(index, step, run.opaque);

@@ -50,6 +50,9 @@ struct Bloom : PremultipliedKernel<2> {
 };
 ORVANE_KERNEL_RUNS(Bloom)
 
+/// Of the full radius: the image itself and the five blurs.
+constexpr float blurLevels[] = {0.0f, 0.125f, 0.25f, 0.5f, 0.75f, 1.0f};
+
 // Inputs: the image, five blurs, the mask.
 struct VariableBlur : PremultipliedKernel<7> {
     struct Record {
@@ -58,20 +61,30 @@ struct VariableBlur : PremultipliedKernel<7> {
     template <class L>
     static HWY_INLINE Pixel<L> pixel(const Record&, const float*, const Pixel<L>* in, Place<L>)
     {
-        constexpr float levels[] = {0.0f, 0.125f, 0.25f, 0.5f, 0.75f, 1.0f};
         const L m = clamp(luma(in[6].r, in[6].g, in[6].b), L(0.0f), L(1.0f));
-        Pixel<L> out = in[0];
+        Pixel<L> low = in[0];
+        Pixel<L> high = in[1];
+        L t(0.0f);
         for (int n = 0; n < 5; ++n) {
-            const float low = levels[n] * levels[n];
-            const float high = levels[n + 1] * levels[n + 1];
-            const L t = min((m * m - L(low)) * L(1.0f / (high - low)), L(1.0f));
-            const auto inside = t > L(0.0f);
-            out.r = select(inside, mix(in[n].r, in[n + 1].r, t), out.r);
-            out.g = select(inside, mix(in[n].g, in[n + 1].g, t), out.g);
-            out.b = select(inside, mix(in[n].b, in[n + 1].b, t), out.b);
-            out.a = select(inside, mix(in[n].a, in[n + 1].a, t), out.a);
+            const float from = blurLevels[n] * blurLevels[n];
+            const float to = blurLevels[n + 1] * blurLevels[n + 1];
+            const auto beyond = m > L(blurLevels[n]);
+            t = select(beyond, min((m * m - L(from)) * L(1.0f / (to - from)), L(1.0f)), t);
+            low = chosen(beyond, in[n], low);
+            high = chosen(beyond, in[n + 1], high);
         }
-        return out;
+        const Pixel<L> between{mix(low.r, high.r, t), mix(low.g, high.g, t), mix(low.b, high.b, t),
+                               mix(low.a, high.a, t)};
+        // At the ends one level decides alone, exactly.
+        return chosen(m > L(0.0f), chosen(m < L(1.0f), between, in[5]), in[0]);
+    }
+
+private:
+    template <class L, class Mask>
+    static HWY_INLINE Pixel<L> chosen(Mask which, const Pixel<L>& yes, const Pixel<L>& no)
+    {
+        return {select(which, yes.r, no.r), select(which, yes.g, no.g), select(which, yes.b, no.b),
+                select(which, yes.a, no.a)};
     }
 };
 ORVANE_KERNEL_RUNS(VariableBlur)
@@ -91,7 +104,38 @@ namespace orvane {
 
 ORVANE_KERNEL(unsharpKernel, Unsharp, "unsharpMask");
 ORVANE_KERNEL(bloomKernel, Bloom, "bloom");
-ORVANE_KERNEL(variableBlurKernel, VariableBlur, "maskedVariableBlur");
+
+/// Where the mask is brighter than the level after one, that one has no say; where it is white,
+/// only the last has. (Nor have blurs where it is black. But rows are drawn from the top on, and a
+/// level left out amid the picture would have to be caught up with, from rows held until then.)
+static PixelRect variableBlurDeciding(const Node& node, size_t index, const PixelRect& rect)
+{
+    constexpr size_t last = 5;
+    constexpr size_t mask = 6;
+    if (index == last || index == mask)
+        return rect;
+    const auto matters = [&](const PixelRect& part) {
+        const float darkest = greyRange(*node.inputs[mask], part).low;
+        return darkest < 1 && darkest <= HWY_NAMESPACE::blurLevels[index + 1];
+    };
+    if (!matters(rect))
+        return {};
+    PixelRect rows = rect;
+    for (int step = rows.height() / 2; step > 0;) {
+        if (step < rows.height() && !matters({rows.x0, rows.y0, rows.x1, rows.y0 + step}))
+            rows.y0 += step;
+        else
+            step /= 2;
+    }
+    for (int step = rows.height() / 2; step > 0;) {
+        if (step < rows.height() && !matters({rows.x0, rows.y1 - step, rows.x1, rows.y1}))
+            rows.y1 -= step;
+        else
+            step /= 2;
+    }
+    return rows;
+}
+ORVANE_KERNEL(variableBlurKernel, VariableBlur, "maskedVariableBlur", variableBlurDeciding);
 
 namespace {
 

@@ -125,7 +125,13 @@ namespace orvane {
 
 ORVANE_KERNEL(dissolveKernel, Dissolve, "dissolveTransition");
 ORVANE_KERNEL(screenKernel, Screen, "screenBlendMode");
-ORVANE_KERNEL(maximumKernel, Maximum, "maximumCompositing");
+static GreyRange maximumRange(const Node& node, const PixelRect& rect)
+{
+    const GreyRange a = greyRange(*node.inputs[0], rect);
+    const GreyRange b = greyRange(*node.inputs[1], rect);
+    return {std::max(a.low, b.low), std::max(a.high, b.high)};
+}
+ORVANE_KERNEL(maximumKernel, Maximum, "maximumCompositing", nullptr, maximumRange);
 ORVANE_KERNEL(additionKernel, Addition, "additionCompositing");
 ORVANE_KERNEL(sourceOverKernel, SourceOver, "sourceOverCompositing");
 ORVANE_KERNEL(maskedBlendKernel, MaskedBlend, "blendWithMask");

@@ -87,11 +87,14 @@ HWY_AFTER_NAMESPACE();
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <limits>
 
 namespace orvane {
 
 ORVANE_KERNEL(solidColorKernel, SolidColor, "solidColor");
-ORVANE_KERNEL(linearGradientKernel, LinearGradient, "linearGradient");
+static GreyRange linearGradientRange(const Node& node, const PixelRect& rect);
+ORVANE_KERNEL(linearGradientKernel, LinearGradient, "linearGradient", nullptr, linearGradientRange);
 ORVANE_KERNEL(radialGradientKernel, RadialGradient, "radialGradient");
 
 namespace {
@@ -105,7 +108,39 @@ template <class Record> void setColors(Record& record, const CIColor& color0, co
     std::ranges::copy(linearColor(color1), record.color1);
 }
 
+bool isGrey(const float* color)
+{
+    return color[0] == color[1] && color[1] == color[2];
+}
+
 } // namespace
+
+static GreyRange linearGradientRange(const Node& node, const PixelRect& rect)
+{
+    using Record = HWY_NAMESPACE::LinearGradient::Record;
+    Record p;
+    std::memcpy(&p, node.as<PointwiseNode>()->parameters.record.data(), sizeof p);
+    if (!isGrey(p.color0) || !isGrey(p.color1))
+        return {};
+    // It grows along a line, so it is least and greatest in corners.
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    for (const double x : {rect.x0 + 0.5, rect.x1 - 0.5}) {
+        for (const double y : {rect.y0 + 0.5, rect.y1 - 0.5}) {
+            const double t = (x - double(p.point0[0])) * double(p.slope[0])
+                + (y - double(p.point0[1])) * double(p.slope[1]);
+            low = std::min(low, t);
+            high = std::max(high, t);
+        }
+    }
+    // Floats of coordinates up to 100,000 are off by less than a hundredth of a pixel.
+    const double slack = 1e-4 + 0.01 * std::abs(p.slope[0]) + 0.01 * std::abs(p.slope[1]);
+    const auto value = [&](double t) {
+        return float(std::lerp(double(p.color0[0]), double(p.color1[0]), std::clamp(t, 0.0, 1.0)));
+    };
+    const float ends[] = {value(low - slack), value(high + slack)};
+    return {std::min(ends[0], ends[1]), std::max(ends[0], ends[1])};
+}
 
 CIImage CIImage::withColor(const CIColor& color)
 {

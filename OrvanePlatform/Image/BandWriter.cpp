@@ -52,6 +52,12 @@ bool BandWriter::hasRoom()
     return m_stopped || m_bands.size() < bandsAhead;
 }
 
+bool BandWriter::stopped()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_stopped;
+}
+
 bool BandWriter::begin(const PixelRect& rows)
 {
     m_pool.help(*m_running, [this] { return hasRoom(); });

@@ -30,6 +30,8 @@ public:
     void narrow(const TilePlanes& planes, const PixelRect& tile);
     /// The band that was begun is complete.
     void end();
+    /// Nothing more will be written: the sink has failed, or has everything.
+    bool stopped();
     /// Writes what is left.
     Result<void> finish();
     /// Time spent within the sink.

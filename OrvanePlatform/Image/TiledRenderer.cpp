@@ -46,7 +46,7 @@ Result<void> TiledRenderer::draw(const Node& root, const PixelRect& rect, Stored
     for (size_t step = 0; step < drawing.steps().size(); ++step) {
         const ScheduledRows& rows = drawing.steps()[step];
         const bool picture = drawing.drawsPicture(rows);
-        if (picture && !bands.begin(rows.rect))
+        if (picture ? !bands.begin(rows.rect) : bands.stopped())
             break;
         if (!drawing.drawRows(step, narrow))
             return Error{"Cancelled."};

@@ -5,7 +5,7 @@
 #define HWY_TARGET_INCLUDE "LanesTests.cpp"
 #include <hwy/foreach_target.h>
 
-#include "Lanes-inl.h"
+#include "Powers-inl.h"
 
 #include <cmath>
 #include <cstring>

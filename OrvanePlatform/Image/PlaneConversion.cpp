@@ -2,8 +2,8 @@
 #define HWY_TARGET_INCLUDE "PlaneConversion.cpp"
 #include <hwy/foreach_target.h>
 
-#include "Lanes-inl.h"
 #include "PlaneConversion.h"
+#include "Powers-inl.h"
 
 #include <algorithm>
 #include <cmath>

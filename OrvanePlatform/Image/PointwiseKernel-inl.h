@@ -39,7 +39,7 @@
 #endif
 
 #include "PixelKernels.h"
-#include "Lanes-inl.h"
+#include "Powers-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace orvane::HWY_NAMESPACE {

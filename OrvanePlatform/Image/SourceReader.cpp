@@ -2,7 +2,7 @@
 #define HWY_TARGET_INCLUDE "SourceReader.cpp"
 #include <hwy/foreach_target.h>
 
-#include "Lanes-inl.h"
+#include "Powers-inl.h"
 #include "SourceReader.h"
 
 #include <algorithm>

@@ -18,9 +18,34 @@ using Files = orvane::OrvaneDelegate::Files;
 Files filesOf(const QStringList& arguments)
 {
     Files files;
-    for (const QString& argument : arguments)
-        files.push_back(std::filesystem::absolute(orvane::pathFromText(argument)));
+    for (const QString& argument : arguments) {
+        if (!argument.isEmpty())
+            files.push_back(std::filesystem::absolute(orvane::pathFromText(argument)));
+    }
     return files;
+}
+
+/// The arguments as files, before Qt has seen them; absent when options may be among them, which Qt
+/// alone can tell apart.
+std::optional<Files> plainFiles(const std::vector<std::string>& arguments)
+{
+    Files files;
+    for (const std::string& argument : arguments) {
+        if (argument.empty() || argument.front() == '-')
+            return std::nullopt;
+        files.push_back(std::filesystem::absolute(argument));
+    }
+    return files;
+}
+
+/// The first picture that is named. Options are still among the arguments, so only a file counts.
+Files firstFile(const std::vector<std::string>& arguments)
+{
+    for (const std::string& argument : arguments) {
+        if (std::error_code none; std::filesystem::is_regular_file(argument, none))
+            return {std::filesystem::absolute(argument)};
+    }
+    return {};
 }
 
 } // namespace
@@ -30,21 +55,23 @@ int main(int argc, char** argv)
     using namespace orvane;
 
     ignoreSignals();
+    const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    SingleInstance instance(supportFolder());
+    // Nearly every second start ends here, with nothing loaded.
+    const std::optional<Files> plain = plainFiles(arguments);
+    if (plain && instance.handOver(*plain))
+        return 0;
+
     // Declared first, so that it goes last: work in the background may outlive the window.
     QThreadPool pool;
     // Decoding, rendering and exporting wait for each other in the engine alone, never for a
     // thread.
     pool.setMaxThreadCount(8);
 
-    // The first picture that is named is decoded while the window is being made. Qt's own options
-    // are still among the arguments, so only a file counts here.
+    // The first picture is decoded while the window is being made.
     std::optional<QFuture<ReadImages>> first;
-    Files begun;
-    for (int i = 1; i < argc && begun.empty(); ++i) {
-        if (std::error_code none; std::filesystem::is_regular_file(argv[i], none))
-            begun.push_back(std::filesystem::absolute(argv[i]));
-    }
-    if (!begun.empty())
+    const Files begun = firstFile(arguments);
+    if (!begun.empty() && (plain || instance.isFirst()))
         first = PictureOpener::readFirst(pool, begun);
 
     QApplication application(argc, argv);
@@ -54,11 +81,8 @@ int main(int argc, char** argv)
     QApplication::setWindowIcon(applicationIcon());
 
     const Files named = filesOf(QApplication::arguments().mid(1));
-    SingleInstance instance(supportFolder());
-    if (!instance.isFirst() && instance.handOver(named)) {
-        pool.waitForDone();
+    if (!plain && instance.handOver(named))
         return 0;
-    }
 
     QtDesktop desktop;
     OrvaneApp app(desktop, pool, supportFolder());

@@ -1,6 +1,6 @@
 #include "SourceSidebar.h"
 
-#include "Icon.h"
+#include "IconView.h"
 #include "Theme.h"
 
 #include <QLabel>
@@ -66,10 +66,6 @@ QWidget* SourceSidebar::makeInvitation()
     auto* column = new QVBoxLayout(invitation);
     column->setContentsMargins(20, 0, 20, 0);
     column->setSpacing(0);
-    auto* sign = new QLabel;
-    sign->setPixmap(
-        icon("images", Theme::disabledText).pixmap(QSize(signSize, signSize), devicePixelRatioF()));
-    sign->setAlignment(Qt::AlignHCenter);
     auto* heading = centred(tr("Browse your photo library"));
     heading->setFont(medium(*this));
     auto* explanation =
@@ -81,7 +77,7 @@ QWidget* SourceSidebar::makeInvitation()
     connecting->setAutoDefault(false);
     connect(connecting, &QPushButton::clicked, this, &SourceSidebar::connectAsked);
     column->addStretch(2);
-    column->addWidget(sign);
+    column->addWidget(new IconView("images", signSize, Theme::disabledText), 0, Qt::AlignHCenter);
     column->addSpacing(14);
     column->addWidget(heading);
     column->addSpacing(8);

@@ -1,11 +1,14 @@
 #include "Theme.h"
 
+#include "Icon.h"
 #include "PackagedResources.h"
 
 #include <QApplication>
 #include <QFontDatabase>
+#include <QPainter>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
+#include <QStyleOption>
 #include <QWidget>
 
 namespace orvane::Theme {
@@ -60,11 +63,41 @@ QString controls()
              accent.name());
 }
 
+/// Fusion without the gradient of its combo boxes, whose arrow a style sheet would lose.
+class FlatStyle final : public QProxyStyle {
+public:
+    FlatStyle()
+        : QProxyStyle("Fusion")
+    {
+    }
+
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override
+    {
+        const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+        if (control != CC_ComboBox || !box || box->editable) {
+            QProxyStyle::drawComplexControl(control, option, painter, widget);
+            return;
+        }
+        const bool isFocused = box->state & State_HasFocus;
+        const bool isLit = box->state & State_Enabled && box->state & State_MouseOver;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(isFocused ? accent : border);
+        painter->setBrush(isLit ? hover : raised);
+        painter->drawRoundedRect(QRectF(box->rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+        const QRect arrow =
+            subControlRect(CC_ComboBox, box, SC_ComboBoxArrow, widget).adjusted(2, 0, -2, 0);
+        icon("chevron-down", secondaryText).paint(painter, arrow);
+        painter->restore();
+    }
+};
+
 } // namespace
 
 void apply(QApplication& application)
 {
-    application.setStyle(QStyleFactory::create("Fusion"));
+    application.setStyle(new FlatStyle);
     application.setPalette(palette());
     const auto fonts = packagedResources() / "Fonts";
     for (const char* file : {"Inter-Regular.otf", "Inter-Medium.otf"})

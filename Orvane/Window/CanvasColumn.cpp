@@ -96,10 +96,25 @@ void CanvasColumn::refresh()
         : QString();
     m_canvas->setMessage(note);
     m_toolbar->setNote(isEmpty ? QString() : note);
-    if (isEmpty && !m_opener.isOpening())
-        m_stack->setCurrentWidget(m_empty);
+    showPage(isEmpty && !m_opener.isOpening() ? static_cast<QWidget*>(m_empty) : m_canvas);
+}
+
+/// The keys go with it from the page before, which would leave them to whatever comes first.
+void CanvasColumn::showPage(QWidget* page)
+{
+    const QWidget* focused = window()->focusWidget();
+    const bool hasFocus = !focused || m_stack->isAncestorOf(focused);
+    m_stack->setCurrentWidget(page);
+    if (hasFocus)
+        takeFocus();
+}
+
+void CanvasColumn::takeFocus()
+{
+    if (m_stack->currentWidget() == m_empty)
+        m_empty->takeFocus();
     else
-        m_stack->setCurrentWidget(m_canvas);
+        m_canvas->setFocus();
 }
 
 void CanvasColumn::add(const PictureOpener::Files& files)

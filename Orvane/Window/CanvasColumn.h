@@ -26,6 +26,8 @@ public:
                  QThreadPool& pool, QWidget* parent = nullptr);
 
     CIPreviewView& canvas() { return *m_canvas; }
+    /// Gives the keys to the picture, or to what opens one.
+    void takeFocus();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -34,6 +36,7 @@ protected:
 
 private:
     void refresh();
+    void showPage(QWidget* page);
     void add(const PictureOpener::Files& files);
     void setDropTargeted(bool isTargeted);
 

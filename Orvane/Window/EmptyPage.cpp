@@ -1,6 +1,6 @@
 #include "EmptyPage.h"
 
-#include "Icon.h"
+#include "IconView.h"
 #include "Theme.h"
 
 #include <QHBoxLayout>
@@ -20,7 +20,7 @@ constexpr int titlePixels = 18;
 
 EmptyPage::EmptyPage(QWidget* parent)
     : QWidget(parent)
-    , m_sign(new QLabel)
+    , m_sign(new IconView("images", signSize, Theme::disabledText))
 {
     auto* title = new QLabel(tr("No image open"));
     QFont large = font();
@@ -42,7 +42,6 @@ EmptyPage::EmptyPage(QWidget* parent)
     column->addSpacing(22);
     column->addWidget(makeButtons(), 0, Qt::AlignHCenter);
     column->addStretch(5);
-    showSign();
 }
 
 QWidget* EmptyPage::makeButtons()
@@ -55,23 +54,22 @@ QWidget* EmptyPage::makeButtons()
     auto* import = new QPushButton(tr("Import from Photos…"));
     connect(open, &QPushButton::clicked, this, &EmptyPage::openAsked);
     connect(import, &QPushButton::clicked, this, &EmptyPage::importAsked);
-    for (QPushButton* button : {open, import})
+    for (QPushButton* button : {open, import}) {
+        button->setAutoDefault(true); // Enter presses the one with the focus
         row->addWidget(button);
+    }
+    m_open = open;
     return buttons;
-}
-
-void EmptyPage::showSign()
-{
-    const QColor color = m_isTargeted ? Theme::accent : Theme::disabledText;
-    m_sign->setPixmap(icon("images", color).pixmap(QSize(signSize, signSize), devicePixelRatioF()));
 }
 
 void EmptyPage::setDropTargeted(bool isTargeted)
 {
-    if (m_isTargeted == isTargeted)
-        return;
-    m_isTargeted = isTargeted;
-    showSign();
+    m_sign->setColor(isTargeted ? Theme::accent : Theme::disabledText);
+}
+
+void EmptyPage::takeFocus()
+{
+    m_open->setFocus();
 }
 
 void EmptyPage::paintEvent(QPaintEvent*)

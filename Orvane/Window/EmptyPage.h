@@ -2,9 +2,11 @@
 
 #include <QWidget>
 
-class QLabel;
+class QPushButton;
 
 namespace orvane {
+
+class IconView;
 
 /// What stands in the canvas's place while no image is open.
 class EmptyPage final : public QWidget {
@@ -15,6 +17,7 @@ public:
 
     /// While files hover over the window.
     void setDropTargeted(bool isTargeted);
+    void takeFocus();
 
 Q_SIGNALS:
     void openAsked();
@@ -25,10 +28,9 @@ protected:
 
 private:
     QWidget* makeButtons();
-    void showSign();
 
-    QLabel* m_sign;
-    bool m_isTargeted = false;
+    IconView* m_sign;
+    QPushButton* m_open = nullptr;
 };
 
 } // namespace orvane

@@ -16,10 +16,13 @@
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QSplitter>
+#include <QTimer>
 
 namespace orvane {
 
 namespace {
+
+constexpr QSize openingSize(1280, 800);
 
 /// Shows a window of which there is one at most.
 template <class Make> void present(QPointer<QWidget>& window, const Make& make)
@@ -61,7 +64,9 @@ MainWindow::MainWindow(AppModel& ofModel, Desktop& ofDesktop, OrvaneDelegate& de
 
     connect(m_sidebar, &SourceSidebar::connectAsked, this, [this] { model.importFromPhotos(); });
     m_toolWatch.watch(model.cropMode, model.relightMode, model.healing, model.pickingWhite);
-    resize(1280, 800);
+    resize(openingSize);
+    fitColumns();
+    m_column->takeFocus();
     m_frame = std::make_unique<WindowFrame>(*this, *m_splitter, m_defaults);
     m_commands->refresh();
 }
@@ -81,7 +86,7 @@ bool MainWindow::isInspectorShown() const
 void MainWindow::showInspector(bool shown)
 {
     m_inspector->setVisible(shown);
-    m_commands->refresh();
+    fitColumns();
 }
 
 bool MainWindow::isSidebarShown() const
@@ -91,7 +96,30 @@ bool MainWindow::isSidebarShown() const
 
 void MainWindow::showSidebar(bool shown)
 {
-    m_sidebar->setVisible(shown);
+    m_isSidebarWanted = shown;
+    // Asked for where only one of the two has room: the inspector goes.
+    if (shown && width() < widthWithSidebar()) {
+        m_inspector->hide();
+        resize(std::max(width(), widthWithSidebar()), height());
+    }
+    fitColumns();
+}
+
+int MainWindow::widthWithoutSidebar() const
+{
+    const int inspector = m_inspector->minimumWidth() + m_splitter->handleWidth();
+    return m_column->minimumWidth() + (isInspectorShown() ? inspector : 0);
+}
+
+int MainWindow::widthWithSidebar() const
+{
+    return widthWithoutSidebar() + m_sidebar->minimumWidth() + m_splitter->handleWidth();
+}
+
+void MainWindow::fitColumns()
+{
+    setMinimumWidth(widthWithoutSidebar());
+    m_sidebar->setVisible(m_isSidebarWanted && width() >= widthWithSidebar());
     m_commands->refresh();
 }
 
@@ -128,6 +156,20 @@ void MainWindow::focusTool()
     const bool isTyping = focused && focused->testAttribute(Qt::WA_InputMethodEnabled);
     if (isToolOn && !isTyping)
         canvas().setFocus(Qt::OtherFocusReason);
+}
+
+bool MainWindow::event(QEvent* event)
+{
+    // Once whoever asked has the answer.
+    if (event->type() == QEvent::WindowUnblocked)
+        QTimer::singleShot(0, &m_delegate, &OrvaneDelegate::flushOpens);
+    return QMainWindow::event(event);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    fitColumns();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -50,15 +50,22 @@ public:
     void closeWindow() override { close(); }
 
 protected:
+    bool event(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
     void focusTool();
+    int widthWithoutSidebar() const; ///< the narrowest that holds the other columns
+    int widthWithSidebar() const;
+    /// The sidebar gives way in a narrow window, and comes back in a wide one.
+    void fitColumns();
 
     OrvaneDelegate& m_delegate;
     CommandActions* m_commands;
     QSplitter* m_splitter;
     SourceSidebar* m_sidebar;
+    bool m_isSidebarWanted = true; ///< shown wherever there is room
     CanvasColumn* m_column;
     NativeInspector* m_inspector;
     QPointer<QWidget> m_help;

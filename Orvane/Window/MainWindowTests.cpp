@@ -1,6 +1,7 @@
 #include "CanvasColumn.h"
 #include "WindowTesting.h"
 
+#include <QDialog>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
@@ -84,6 +85,42 @@ TEST_F(WindowTest, ANewOpeningReplacesTheOneThatRunsAndAsksAboutWorkDoneMeanwhil
     app->opener.open({folder / "a.jpg"}, PictureOpener::How::Append);
     waitFor([&] { return !app->opener.isOpening(); });
     EXPECT_EQ(namesOf(model()), "e.jpg a.jpg");
+}
+
+TEST_F(WindowTest, FilesWaitUntilAnOpenQuestionIsAnswered)
+{
+    openFiles({"a.jpg"});
+    QDialog question(&app->window);
+    question.open();
+    app->delegate.accept({picture("b.jpg")});
+    settle();
+    EXPECT_FALSE(app->opener.isOpening());
+    question.accept();
+    waitFor([&] { return namesOf(model()) == "b.jpg"; });
+}
+
+TEST_F(WindowTest, TheSidebarGivesWayInANarrowWindowAndComesBack)
+{
+    MainWindow& window = app->window;
+    window.resize(1024, 700);
+    EXPECT_EQ(window.width(), 1024);
+    EXPECT_FALSE(window.isSidebarShown());
+    window.resize(1280, 800);
+    EXPECT_TRUE(window.isSidebarShown());
+    EXPECT_TRUE(window.isInspectorShown());
+    // Asked for in a narrow one it takes the inspector's room, and the other way round.
+    window.resize(1024, 700);
+    trigger("sidebar");
+    EXPECT_TRUE(window.isSidebarShown());
+    EXPECT_FALSE(window.isInspectorShown());
+    trigger("inspector");
+    EXPECT_FALSE(window.isSidebarShown());
+    EXPECT_TRUE(window.isInspectorShown());
+    EXPECT_EQ(window.width(), 1024);
+    window.resize(1280, 800);
+    trigger("sidebar"); // put away by hand it stays away
+    window.resize(1400, 900);
+    EXPECT_FALSE(window.isSidebarShown());
 }
 
 TEST_F(WindowTest, ClosingWithUnsavedWorkAsks)

@@ -4,6 +4,7 @@
 #include "OpenEventLog.h"
 #include "PictureFiles.h"
 
+#include <QApplication>
 #include <QTimer>
 
 namespace orvane {
@@ -44,7 +45,7 @@ void OrvaneDelegate::accept(const Files& files, std::optional<QFuture<ReadImages
 
 void OrvaneDelegate::flushOpens()
 {
-    if (!m_model || m_pendingOpens.empty())
+    if (!m_model || m_pendingOpens.empty() || QApplication::activeModalWidget())
         return;
     Files files = std::exchange(m_pendingOpens, {});
     auto first = std::exchange(m_firstRead, std::nullopt);

@@ -26,6 +26,8 @@ public:
     /// again: desktops may send the same file twice. `first` is the reading of the first of them,
     /// if it has begun already.
     void accept(const Files& files, std::optional<QFuture<ReadImages>> first = {});
+    /// Opens what waits, unless a question is open: who asked it counts on the session as it is.
+    /// The window calls again when the question is answered.
     void flushOpens();
 
     /// Whether the program may end now.

@@ -1,6 +1,6 @@
 #include "AlertDialog.h"
 
-#include "Icon.h"
+#include "IconView.h"
 #include "Theme.h"
 #include "WrappedLabel.h"
 
@@ -72,9 +72,7 @@ AlertDialog::AlertDialog(const Alert& alert, QWidget* parent)
     auto* upper = new QHBoxLayout;
     upper->setSpacing(14);
     if (alert.style == Alert::Style::Warning) {
-        auto* sign = new QLabel;
-        sign->setPixmap(
-            icon("triangle-alert", Theme::text).pixmap(QSize(24, 24), devicePixelRatio()));
+        auto* sign = new IconView("triangle-alert", 24, Theme::text);
         sign->setAccessibleName(tr("Warning"));
         upper->addWidget(sign, 0, Qt::AlignTop);
     }

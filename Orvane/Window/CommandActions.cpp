@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QStyleOptionMenuItem>
 
 #include <string_view>
 
@@ -29,6 +30,20 @@ QString titleOf(const Command& command, const Shell& shell)
     return translated(command.title ? command.title(shell) : command.text);
 }
 
+/// Marks only what is on and does not say so itself: "Hide Inspector" needs no check.
+class CommandMenu final : public QMenu {
+public:
+    using QMenu::QMenu;
+
+protected:
+    void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override
+    {
+        QMenu::initStyleOption(option, action);
+        if (!action->isChecked() || action->data().toBool())
+            option->checkType = QStyleOptionMenuItem::NotCheckable;
+    }
+};
+
 } // namespace
 
 CommandActions::CommandActions(Shell& shell, QWidget& window)
@@ -47,6 +62,7 @@ CommandActions::CommandActions(Shell& shell, QWidget& window)
             action->setIcon(icon(command.icon));
         action->setIconVisibleInMenu(false);
         action->setCheckable(command.isOn != nullptr);
+        action->setData(command.title != nullptr);
         // A held key would switch to and fro.
         action->setAutoRepeat(!command.isOn);
         connect(action, &QAction::triggered, this, [this, &command] {
@@ -73,7 +89,8 @@ void CommandActions::fill(QMenuBar& menus) const
         const bool beginsGroup = title.endsWith('|');
         title.remove('|');
         if (!menu || menu->objectName() != title) {
-            menu = menus.addMenu(translated(title.toUtf8().constData()));
+            menu = new CommandMenu(translated(title.toUtf8().constData()), &menus);
+            menus.addMenu(menu);
             menu->setObjectName(title);
             menu->setToolTipsVisible(false);
         }

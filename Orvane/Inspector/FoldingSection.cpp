@@ -23,6 +23,7 @@ namespace {
 constexpr int headerHeight = 32;
 constexpr double chevron = 12;
 constexpr int padding = 10; ///< between the edges and what lies within
+constexpr int ringInset = 4; ///< of the header's focus ring
 
 /// A chevron that points down while it is checked, and a title.
 class HeaderButton final : public QAbstractButton {
@@ -44,17 +45,18 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         if (hasFocus()) {
             painter.setPen(QPen(Theme::accent, 1));
-            painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 4.5, -0.5, -4.5), Theme::radius,
-                                    Theme::radius);
+            constexpr double inset = ringInset + 0.5;
+            painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
+                                    Theme::radius, Theme::radius);
         }
         const QColor color = underMouse() ? Theme::text.lighter(115) : Theme::text;
-        drawChevron(painter, {chevron / 2, height() / 2.0}, isChecked() ? 90 : 0, color);
+        drawChevron(painter, {padding + chevron / 2, height() / 2.0}, isChecked() ? 90 : 0, color);
 
         QFont heading = font();
         heading.setWeight(QFont::Medium);
         painter.setFont(heading);
         painter.setPen(color);
-        painter.drawText(rect().adjusted(int(chevron) + 6, 0, 0, 0),
+        painter.drawText(rect().adjusted(padding + int(chevron) + 6, 0, 0, 0),
                          Qt::AlignVCenter | Qt::AlignLeft, text());
     }
 };
@@ -70,7 +72,7 @@ FoldingSection::FoldingSection(const QString& title, Maker make, bool isExpanded
     , m_make(std::move(make))
     , m_animation(new QVariantAnimation(this))
 {
-    m_column->setContentsMargins(padding, 0, padding, 0);
+    m_column->setContentsMargins(0, 0, 0, 0);
     m_column->setSpacing(0);
     m_column->addWidget(makeHeader(title));
     setEdited(false);
@@ -118,7 +120,7 @@ void FoldingSection::makeContent()
 {
     auto* padded = new QWidget;
     auto* column = new QVBoxLayout(padded);
-    column->setContentsMargins(0, 2, 0, padding);
+    column->setContentsMargins(padding, 2, padding, padding);
     m_content = m_make(padded);
     column->addWidget(m_content);
     m_clip = new FoldClip(padded);
@@ -154,7 +156,7 @@ QWidget* FoldingSection::makeHeader(const QString& title)
     m_reset->setAccessibleName(tr("Reset %1").arg(title));
     auto* header = new QWidget;
     auto* row = new QHBoxLayout(header);
-    row->setContentsMargins(0, 0, 0, 0);
+    row->setContentsMargins(0, 0, ringInset, 0);
     row->setSpacing(6);
     row->addWidget(m_header, 1);
     row->addWidget(m_mark);

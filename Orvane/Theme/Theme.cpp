@@ -11,9 +11,14 @@
 #include <QStyleOption>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace orvane::Theme {
 
 namespace {
+
+constexpr int menuMargin = 4; ///< above the first row and below the last
+constexpr int menuRow = 26;
 
 QPalette palette()
 {
@@ -51,10 +56,10 @@ QString controls()
                    "QPushButton { background: %3; padding: 5px 14px; }"
                    "QPushButton:hover { background: %4; }"
                    "QPushButton:pressed { background: %5; }"
-                   "QPushButton:disabled { color: %6; }"
                    "QLineEdit { background: %7; padding: 1px 5px; }"
                    "QLineEdit:disabled { color: %6; }"
                    "QPushButton:default, QPushButton:focus, QLineEdit:focus { border-color: %8; }"
+                   "QPushButton:disabled { color: %6; border-color: %1; }"
                    "QLabel#qt_msgbox_informativelabel { min-width: 340px; }"
                    "QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }")
         .arg(border.name())
@@ -63,12 +68,29 @@ QString controls()
              accent.name());
 }
 
-/// Fusion without the gradient of its combo boxes, whose arrow a style sheet would lose.
+/// Fusion with flat combo boxes, whose arrow a style sheet would lose, and with air in its menus.
 class FlatStyle final : public QProxyStyle {
 public:
     FlatStyle()
         : QProxyStyle("Fusion")
     {
+    }
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override
+    {
+        return metric == PM_MenuVMargin ? menuMargin
+                                        : QProxyStyle::pixelMetric(metric, option, widget);
+    }
+
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override
+    {
+        QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (type == CT_MenuItem && item && item->menuItemType != QStyleOptionMenuItem::Separator)
+            size.setHeight(std::max(size.height(), menuRow));
+        return size;
     }
 
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,

@@ -53,6 +53,13 @@ bool canBeOpened(const QMimeData& data)
         || data.hasFormat("image/tiff");
 }
 
+/// Never a move, even if one is proposed: the other program would delete the file.
+void acceptCopy(QDropEvent& event)
+{
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
 } // namespace
 
 CanvasColumn::CanvasColumn(AppModel& model, const CommandActions& commands, PictureOpener& opener,
@@ -133,7 +140,7 @@ void CanvasColumn::dragEnterEvent(QDragEnterEvent* event)
 {
     if (!canBeOpened(*event->mimeData()))
         return;
-    event->acceptProposedAction();
+    acceptCopy(*event);
     setDropTargeted(true);
 }
 
@@ -147,7 +154,7 @@ void CanvasColumn::dropEvent(QDropEvent* event)
 {
     setDropTargeted(false);
     const QMimeData& dropped = *event->mimeData();
-    event->acceptProposedAction();
+    acceptCopy(*event);
     if (const auto photos = draggedPhotos(dropped); !photos.empty()) {
         QTimer::singleShot(0, this, [this, photos] { m_model.addPhotos(photos); });
         return;

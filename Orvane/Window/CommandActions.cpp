@@ -89,7 +89,7 @@ void CommandActions::fill(QMenuBar& menus) const
         const bool beginsGroup = title.endsWith('|');
         title.remove('|');
         if (!menu || menu->objectName() != title) {
-            menu = new CommandMenu(translated(title.toUtf8().constData()), &menus);
+            menu = new CommandMenu('&' + translated(title.toUtf8().constData()), &menus);
             menus.addMenu(menu);
             menu->setObjectName(title);
             menu->setToolTipsVisible(false);

@@ -15,7 +15,10 @@ namespace {
 TEST_F(WindowTest, EveryCommandStandsInOneMenuAndNoKeyStandsTwice)
 {
     std::map<QString, int> places;
+    std::set<QString> letters; // that open a menu, with Alt
     for (const QAction* top : app->window.menuBar()->actions()) {
+        const QString letter = QKeySequence::mnemonic(top->text()).toString();
+        EXPECT_TRUE(!letter.isEmpty() && letters.insert(letter).second) << letter.toStdString();
         for (const QAction* action : top->menu()->actions()) {
             if (!action->isSeparator())
                 ++places[action->objectName()];

@@ -41,12 +41,15 @@ TEST_F(WindowTest, DroppedFilesJoinTheSessionAndADroppedPictureHasNoSource)
     openFiles({"a.jpg"});
     const auto drop = [&](const QMimeData& data) {
         auto* column = app->window.findChild<CanvasColumn*>();
-        QDragEnterEvent enter(QPoint(100, 100), Qt::CopyAction, &data, Qt::LeftButton, {});
+        const auto actions = Qt::MoveAction | Qt::CopyAction;
+        QDragEnterEvent enter(QPoint(100, 100), actions, &data, Qt::LeftButton, {});
         QCoreApplication::sendEvent(column, &enter);
         EXPECT_TRUE(enter.isAccepted());
-        QDropEvent event(QPointF(100, 100), Qt::CopyAction, &data, Qt::LeftButton, {});
+        QDropEvent event(QPointF(100, 100), actions, &data, Qt::LeftButton, {});
+        event.setDropAction(Qt::MoveAction);
         QCoreApplication::sendEvent(column, &event);
         EXPECT_TRUE(event.isAccepted());
+        EXPECT_EQ(event.dropAction(), Qt::CopyAction) << "a move takes the file away";
     };
     QMimeData files;
     files.setUrls({QUrl::fromLocalFile(QString::fromStdString(picture("b.jpg").string()))});

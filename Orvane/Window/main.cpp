@@ -9,6 +9,7 @@
 #include "Theme.h"
 
 #include <QApplication>
+#include <QSessionManager>
 
 namespace {
 
@@ -93,6 +94,15 @@ int main(int argc, char** argv)
         [] { StartTrace::report("first picture painted"); }, Qt::SingleShotConnection);
     StartTrace::report("window shown");
 
+    // The end of the desktop's session asks like the closing of the window.
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &app.window,
+                     [&app](QSessionManager& session) {
+                         if (!session.allowsInteraction())
+                             return;
+                         if (!app.delegate.applicationShouldTerminate())
+                             session.cancel();
+                         session.release();
+                     });
     instance.listen([&app](const Files& files) {
         app.window.setWindowState(app.window.windowState() & ~Qt::WindowMinimized);
         app.window.raise();

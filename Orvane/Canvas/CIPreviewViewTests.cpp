@@ -3,9 +3,13 @@
 #include "CanvasTesting.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QSemaphore>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
 
 namespace orvane {
 namespace {
@@ -155,6 +159,78 @@ TEST_F(CIPreviewViewTest, ShowsTheEditAndWithoutItsGradeWhileComparing)
     model->sourceImageVersion = model->sourceImageVersion + 1;
     settle();
     EXPECT_FALSE(view->mapping().hasFrame()) << "an empty session shows nothing";
+}
+
+/// Every stage that a draft could leave intermediates of. Each call makes another source.
+CanvasContent muchEdited()
+{
+    auto noise = std::make_shared<Bitmap>(1800, 1200, 3, SampleType::U8, AlphaKind::None);
+    std::minstd_rand random(5);
+    for (int y = 0; y < noise->height(); ++y)
+        std::generate_n(noise->row(y), noise->width() * 3, [&] { return uint8_t(random() >> 9); });
+    CanvasContent content{.version = 1, .proxy = proxyOf(CIImage::withBitmap(noise))};
+    content.state.adjust = {
+        {"exposure", 20}, {"clarity", 40}, {"sharpening", 50}, {"vignette", -30}, {"grain", 40}};
+    content.state.crop = {0.1, 0.2, 0.7, 0.6};
+    content.state.rotation = 3;
+    content.state.healSpots = {{0.4, 0.5, 0.05}};
+    EditState::Light& light = content.state.lights.emplace_back();
+    light.type = "radial";
+    light.x = light.y = 0.4;
+    light.radius = 0.3;
+    light.brightness = 50;
+    EditState::TextLayer& text = content.state.texts.emplace_back();
+    text.text = "Words";
+    text.x = text.y = 0.6;
+    text.size = 0.1;
+    text.colorHex = "#ffffff";
+    return content;
+}
+
+/// The finished picture must not be drawn from what drafts have left behind.
+TEST_F(CIPreviewViewTest, TheFinishedPictureIsTheSameAfterDrafts)
+{
+    const CanvasView screen{.size = {900, 700}};
+    const CancellationToken never;
+    const QImage expected = renderedForScreen(muchEdited(), screen, 1, never).picture;
+    const CanvasContent content = muchEdited();
+    for (const int edge : {640, 1280}) {
+        const RenderedPicture draft = draftedForScreen(content, edge, screen, 1, never);
+        EXPECT_EQ(draft.frame, pictureSize(content)) << "it is stretched to the finished size";
+        EXPECT_LT(draft.picture.width(), expected.width());
+    }
+    EXPECT_TRUE(renderedForScreen(content, screen, 1, never).picture == expected);
+}
+
+/// An enlarged picture is scaled for what is seen of it and a margin; panning beyond that, and
+/// what is painted piece by piece, shows the same.
+TEST_F(CIPreviewViewTest, AScaledPartIsTheWholeSeenThroughAWindow)
+{
+    QImage source(60, 40, QImage::Format_RGB32);
+    for (int y = 0; y < 40; ++y) {
+        for (int x = 0; x < 60; ++x)
+            source.setPixel(x, y, qRgb(x * 4, y * 6, (x * 7 + y * 13) % 256));
+    }
+    const QSize window(100, 80);
+    for (const int scale : {3, 5}) { // smooth, and as squares
+        const QSize whole = source.size() * scale;
+        const QImage expected = fittedTo(whole, QRect({}, whole), source).part;
+        ScreenPicture shown;
+        shown.set({.picture = source});
+        const QRect seen(QPoint(40, 20), window);
+        EXPECT_TRUE(shown.wantsFit(whole, seen));
+        shown.takeFit(source, fittedTo(whole, partWorthFitting(seen, whole), source));
+        EXPECT_FALSE(shown.wantsFit(whole, seen.translated(5, 5))) << "a margin to pan into";
+        EXPECT_TRUE(shown.wantsFit(whole, seen.translated(30, 0)));
+        for (const QPoint& at : {QPoint(40, 20), QPoint(45, 28), QPoint(70, 5)}) {
+            QImage screen(window, QImage::Format_RGB32);
+            QPainter painter(&screen);
+            for (const QRect& part : {QRect(0, 0, 33, 80), QRect(33, 0, 67, 80)})
+                shown.draw(painter, {-at, whole}, part);
+            painter.end();
+            EXPECT_EQ(screen, expected.copy({at, window})) << scale << " " << at.x();
+        }
+    }
 }
 
 TEST_F(CIPreviewViewTest, AnImageStandsInByItsThumbnailUntilItIsRendered)

@@ -15,6 +15,12 @@ constexpr QColor light(0xf2, 0xf2, 0xf2);
 constexpr QColor faintLight(0xf2, 0xf2, 0xf2, 0x8c);
 constexpr QColor rim(0, 0, 0, 0x96);
 constexpr QColor faintRim(0, 0, 0, 0x55);
+/// Of curves. Opaque: the toolkit blends see-through ones in threads, piece by piece, and the main
+/// thread would wait for these a hundred times in a frame.
+constexpr QColor curve(0xf2, 0xf2, 0xf2);
+constexpr QColor curveRim(0x26, 0x26, 0x26);
+constexpr QColor faintCurve(0xb4, 0xb4, 0xb4);
+constexpr QColor faintCurveRim(0x48, 0x48, 0x48);
 constexpr double knobRadius = 5.5; ///< view points
 
 } // namespace
@@ -62,9 +68,10 @@ void OverlayPainter::stroke(const QPainterPath& path, Line line)
 {
     const bool isFaint = line == Line::Faint;
     m_painter.setBrush(Qt::NoBrush);
-    m_painter.setPen(QPen(isFaint ? faintRim : rim, m_hairline * 3, Qt::SolidLine, Qt::FlatCap));
+    m_painter.setPen(QPen(isFaint ? faintCurveRim : curveRim, m_hairline * (isFaint ? 2.0 : 2.8),
+                          Qt::SolidLine, Qt::FlatCap));
     m_painter.drawPath(path);
-    QPen pen(isFaint ? faintLight : light, m_hairline * (isFaint ? 1.0 : 1.5), Qt::SolidLine,
+    QPen pen(isFaint ? faintCurve : curve, m_hairline * (isFaint ? 1.0 : 1.5), Qt::SolidLine,
              Qt::FlatCap);
     if (line == Line::Dashed)
         pen.setDashPattern({4, 3});
@@ -137,7 +144,16 @@ void OverlayPainter::knob(const QPointF& centre, bool isSelected)
 
 void OverlayPainter::bar(const QRectF& rect)
 {
-    const QRectF inner = aligned(rect);
+    const QRectF view =
+        aligned(m_toDevice.mapRect(QRectF(0, 0, m_view.size.width, m_view.size.height)))
+            .adjusted(m_hairline, m_hairline, -m_hairline, -m_hairline);
+    // Only by as much as is cut off at the edge of a fitted picture; what is out of sight stays so.
+    const auto inwards = [farthest = points(6)](double by) { return by <= farthest ? by : 0.0; };
+    QRectF inner = aligned(rect);
+    inner.translate(inwards(std::max(0.0, view.left() - inner.left()))
+                        - inwards(std::max(0.0, inner.right() - view.right())),
+                    inwards(std::max(0.0, view.top() - inner.top()))
+                        - inwards(std::max(0.0, inner.bottom() - view.bottom())));
     m_painter.fillRect(inner.adjusted(-m_hairline, -m_hairline, m_hairline, m_hairline), rim);
     m_painter.fillRect(inner, light);
 }

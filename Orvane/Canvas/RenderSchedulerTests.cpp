@@ -152,6 +152,21 @@ TEST_F(RenderSchedulerTest, DraftsFollowADragOneAtATimeAndTheFinishedPictureFoll
     EXPECT_EQ(shown, (std::vector{101, 103, 3, 105, 5, 3, 7}));
 }
 
+TEST_F(RenderSchedulerTest, AnAnswerMayAskForMoreWhetherItComesAtOnceOrLater)
+{
+    QObject::connect(&scheduler, &RenderScheduler::rendered, [this] {
+        const int number = shown.back();
+        if (number < 10)
+            scheduler.request(key(number + 1), counted(number + 1), Start::AtOnce);
+    });
+    scheduler.request(key(8), counted(8), Start::AtOnce);
+    waitUntilShown(3);
+    EXPECT_EQ(shown, (std::vector{8, 9, 10}));
+    scheduler.request(key(9), counted(99), Start::AtOnce); // kept, and so is the one it asks for
+    EXPECT_EQ(shown, (std::vector{8, 9, 10, 9, 10}));
+    EXPECT_EQ(started, 3);
+}
+
 TEST(DraftEdge, IsAsLargeAsTheTimeAllows)
 {
     struct Row {

@@ -41,8 +41,8 @@ public:
     void fill(const QRectF& rect, const QColor& color);
     /// A round handle.
     void knob(const QPointF& centre, bool isSelected);
-    /// A bar of a handle on a straight edge, exactly on the device's pixels, and moved into the view
-    /// where it would lie beyond it: a fitted picture reaches the view's edges.
+    /// A bar of a handle on a straight edge, exactly on the device's pixels, and moved into the
+    /// view where it would lie beyond it: a fitted picture reaches the view's edges.
     void bar(const QRectF& rect);
     /// A wide stroke, see-through.
     void ribbon(const std::vector<CGPoint>& fractions, double radius);

@@ -50,7 +50,8 @@ private:
         Files files;
         How how = How::Append;
         std::optional<QFuture<ReadImages>> first;
-        std::vector<SessionRules::Item<EditState>> replaced = {}; ///< the session that may be dropped
+        std::vector<SessionRules::Item<EditState>> replaced =
+            {}; ///< the session that may be dropped
         size_t next = 0; ///< the first file that is not in hand yet
         size_t opened = 0;
         std::vector<std::string> failed = {};

@@ -7,6 +7,7 @@
 #include "NameDialog.h"
 #include "Theme.h"
 
+#include <QApplication>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -19,6 +20,7 @@ namespace orvane {
 
 namespace {
 
+constexpr int focusMargin = 40; ///< kept between a focused control and the panel's edges
 constexpr int margin = 10;
 constexpr int barWidth = 10; ///< of the scroll bar, whose place is kept while there is none
 constexpr int sectionGap = 4;
@@ -64,6 +66,8 @@ NativeInspector::NativeInspector(AppModel& model, QWidget* parent)
     auto* frame = new QVBoxLayout(this);
     frame->setContentsMargins(0, 0, 0, 0);
     frame->addWidget(m_scroll);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](const QWidget*, QWidget* now) { showFocused(now); });
     m_watch.watch(model.session, model.adjust, model.curve, model.history);
     refresh();
 }
@@ -202,6 +206,17 @@ void NativeInspector::askForName()
         tr("Save"), {}, this);
     dialog->onAccept([this](const QString& name) { m_model.saveLook(name.toStdString()); });
     dialog->open();
+}
+
+/// Scrolls to what has got the focus, once it has its place. Not under a button that is held: what
+/// a press takes must not move away from the pointer.
+void NativeInspector::showFocused(QWidget* focused)
+{
+    if (!focused || !m_scroll->isAncestorOf(focused)
+        || QApplication::mouseButtons() != Qt::NoButton)
+        return;
+    QTimer::singleShot(0, focused,
+                       [this, focused] { m_scroll->ensureWidgetVisible(focused, 0, focusMargin); });
 }
 
 bool NativeInspector::focusNextPrevChild(bool next)

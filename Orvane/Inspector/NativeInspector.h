@@ -57,6 +57,7 @@ private:
     void toggleAll(const Heading& heading);
     void showHeadings();
     void askForName();
+    void showFocused(QWidget* focused);
     void refresh();
 
     AppModel& m_model;

@@ -107,6 +107,7 @@ TEST_F(StoryTest, HealsPicksWhiteAndWritesACaption)
     QCoreApplication::processEvents();
     auto& field = named<QPlainTextEdit>("Text");
     EXPECT_TRUE(field.hasFocus()) << "what is typed next is the caption's text";
+    waitFor([&] { return field.visibleRegion().boundingRect() == field.rect(); });
     QTest::keyClicks(&field, "a bird\\b");
     EXPECT_EQ(model().texts.value().at(0).text, "a bird\\b");
     EXPECT_FALSE(model().comparing) << "a letter in a text is no command";

@@ -97,18 +97,18 @@ void CIPreviewView::refresh()
         draft());
 }
 
-/// Of the present content; empty when the finished picture comes soon enough.
+/// Of the present content. The first picture of a source reduces it: a draft would come no sooner.
 RenderScheduler::Render CIPreviewView::draft() const
 {
+    if (m_content.comparing || m_isFirstRender)
+        return {};
     const CGRect place = pictureRect(mapping());
     const double onScreen = std::max(place.width(), place.height()) * devicePixelRatioF();
     const CGSize size = pictureSize(m_content);
-    const auto edge = draftEdge(m_renderTime, std::max(size.width, size.height), onScreen);
-    if (!edge || m_content.comparing)
-        return {};
-    return [content = m_content, edge = *edge, view = mapping(),
+    const double scale = m_pace.scale(std::max(size.width, size.height), onScreen);
+    return [content = m_content, scale, view = mapping(),
             ratio = devicePixelRatioF()](const CancellationToken& token) {
-        return draftedForScreen(content, edge, view, ratio, token);
+        return draftedForScreen(content, scale, view, ratio, token);
     };
 }
 
@@ -117,7 +117,6 @@ RenderScheduler::Render CIPreviewView::draft() const
 void CIPreviewView::showAnotherSource()
 {
     m_scheduler.clear();
-    m_renderTime = 0;
     m_isFirstRender = true;
     RenderedPicture standIn;
     for (const EditImage& image : m_model.session.value()) {
@@ -135,9 +134,8 @@ void CIPreviewView::take(const RenderedPicture& picture)
     putOnScreen(picture);
     m_awaitsPaint = !m_picture.isEmpty();
     if (picture.isDraft)
-        return;
-    if (!std::exchange(m_isFirstRender, false) && !m_content.comparing)
-        m_renderTime = picture.milliseconds;
+        return m_pace.drew(picture.scale, picture.milliseconds);
+    m_isFirstRender = false;
     m_model.refreshHistogram();
     m_model.syncWindowChrome();
 }

@@ -2,6 +2,7 @@
 
 #include "CanvasTool.h"
 #include "CanvasZoom.h"
+#include "DraftPace.h"
 #include "FieldWatch.h"
 #include "RenderScheduler.h"
 #include "ScreenPicture.h"
@@ -76,7 +77,7 @@ private:
     RenderScheduler m_scheduler;
     ScreenPicture m_picture;
     CanvasZoom m_zoom;
-    double m_renderTime = 0; ///< milliseconds of the last finished one; 0 while that is not known
+    DraftPace m_pace;
     bool m_isFirstRender = true; ///< of this source; it reduces it too
     QString m_message;
     QString m_failure; ///< of the last render; shown in the message's place

@@ -144,16 +144,15 @@ TEST_F(CIPreviewViewTest, ShowsTheEditAndWithoutItsGradeWhileComparing)
     desktop.chrome = {};
     expose(100);
     waitForPicture();
-    EXPECT_EQ(desktop.chrome.title, "Orvane") << "the window is told with the picture";
-    EXPECT_GT(greyOnScreen(), 150);
+    EXPECT_GT(greyOnScreen(), 150) << "a draft, without the pause";
+    EXPECT_EQ(desktop.chrome.title, "") << "the window is told with the finished picture";
+    waitFor([&] { return desktop.chrome.title == "Orvane"; });
     model->comparing = true;
-    waitForPicture();
-    EXPECT_EQ(greyOnScreen(), 128);
+    waitFor([&] { return greyOnScreen() == 128; });
     model->comparing = false;
     model->lutID = std::string("lut_black");
     model->ciLUT = LUT::fromRGB(2, std::vector<float>(24, 0.0F));
-    waitForPicture();
-    EXPECT_LT(greyOnScreen(), 3) << "through its table";
+    waitFor([&] { return greyOnScreen() < 3; }); // through its table
 
     model->sourceImage = std::nullopt;
     model->sourceImageVersion = model->sourceImageVersion + 1;
@@ -194,11 +193,12 @@ TEST_F(CIPreviewViewTest, TheFinishedPictureIsTheSameAfterDrafts)
     const CancellationToken never;
     const QImage expected = renderedForScreen(muchEdited(), screen, 1, never).picture;
     const CanvasContent content = muchEdited();
-    for (const int edge : {640, 1280}) {
-        const RenderedPicture draft = draftedForScreen(content, edge, screen, 1, never);
+    for (const double scale : {0.25, 0.5}) {
+        const RenderedPicture draft = draftedForScreen(content, scale, screen, 1, never);
         EXPECT_EQ(draft.frame, pictureSize(content)) << "it is stretched to the finished size";
-        EXPECT_LT(draft.picture.width(), expected.width());
+        EXPECT_NEAR(draft.picture.width(), expected.width() * scale, 2);
     }
+    EXPECT_TRUE(draftedForScreen(content, 1, screen, 1, never).picture == expected);
     EXPECT_TRUE(renderedForScreen(content, screen, 1, never).picture == expected);
 }
 

@@ -12,28 +12,15 @@ namespace orvane {
 
 namespace {
 
-/// Milliseconds. Below the first, a picture follows a drag well enough without a draft.
-constexpr double soonEnough = 120;
-constexpr double draftTime = 90;
-constexpr int smallestDraft = 640;
-/// Drafts differ by whole steps, so that the reduced source of one serves the next.
-constexpr int draftStep = 160;
-
 } // namespace
 
-std::optional<int> draftEdge(double milliseconds, double pictureEdge, double screenEdge)
+CanvasContent draftOf(CanvasContent content, double scale)
 {
-    if (milliseconds <= soonEnough)
-        return {};
-    const double inTime = pictureEdge * std::sqrt(draftTime / milliseconds);
-    const int steps = int(std::min(inTime, screenEdge)) / draftStep;
-    const int edge = std::max(steps * draftStep, smallestDraft);
-    return edge < pictureEdge * 0.9 ? std::optional(edge) : std::nullopt;
-}
-
-CanvasContent draftOf(CanvasContent content, int edge)
-{
-    content.proxy = Geometry::resized(content.proxy, edge);
+    if (scale >= 1)
+        return content;
+    const CGRect proxy = content.proxy.extent();
+    const double edge = std::max(proxy.width(), proxy.height()) * scale;
+    content.proxy = Geometry::resized(content.proxy, std::max(1, int(std::lround(edge))));
     return content;
 }
 

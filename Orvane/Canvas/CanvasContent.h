@@ -17,12 +17,6 @@ inline constexpr int proxyEdge = 2560;
 /// The source reduced to that: a recipe, which the drawing context draws once and keeps.
 CIImage proxyOf(const CIImage& source);
 
-/// The longest edge of a draft that takes some 90 ms, when the finished picture took that long at
-/// its own longest edge: 640 at least, and never more than is seen on screen. Absent when no draft
-/// is worth it: the picture came soon enough, or a draft would hardly be smaller. Both edges in
-/// pixels.
-std::optional<int> draftEdge(double milliseconds, double pictureEdge, double screenEdge);
-
 /// What the canvas is asked to show: a value, so that a render in the background owns all it reads.
 struct CanvasContent {
     int version = 0; ///< of the source: another number, another picture
@@ -62,8 +56,8 @@ struct RenderKey {
 
 /// The picture as a recipe: framed, and unless comparing graded, with its text over it.
 CIImage picture(const CanvasContent& content);
-/// The same content on a smaller proxy, of that longest edge.
-CanvasContent draftOf(CanvasContent content, int edge);
+/// The same content on a proxy that is smaller by a scale of at most 1.
+CanvasContent draftOf(CanvasContent content, double scale);
 /// The size that it is drawn at, in pixels, without drawing anything.
 CGSize pictureSize(const CanvasContent& content);
 

@@ -78,6 +78,7 @@ void RenderScheduler::cancel()
     m_debounce.stop();
     m_draft = {};
     m_render = {};
+    m_wholeDraft.reset();
 }
 
 void RenderScheduler::cancelRunning()
@@ -95,8 +96,14 @@ void RenderScheduler::proceed()
         return;
     if (m_draft)
         start(std::exchange(m_draft, {}), true);
-    else if (m_render && !m_debounce.isActive())
-        start(std::exchange(m_render, {}), false);
+    else if (m_render && !m_debounce.isActive()) {
+        const Render render = std::exchange(m_render, {});
+        const auto drafted = std::exchange(m_wholeDraft, {});
+        if (drafted && drafted->first == m_wanted)
+            finish(drafted->first, drafted->second);
+        else
+            start(render, false);
+    }
 }
 
 void RenderScheduler::start(const Render& render, bool isDraft)
@@ -114,9 +121,18 @@ void RenderScheduler::start(const Render& render, bool isDraft)
         if (!isDraft)
             finish(key, picture);
         else if (!picture.picture.isNull())
-            Q_EMIT rendered(picture);
+            showDraft(key, picture);
         proceed();
     });
+}
+
+void RenderScheduler::showDraft(const RenderKey& key, RenderedPicture picture)
+{
+    m_wholeDraft.reset();
+    if (picture.scale >= 1)
+        m_wholeDraft.emplace(key, picture);
+    picture.isDraft = true;
+    Q_EMIT rendered(picture);
 }
 
 void RenderScheduler::finish(const RenderKey& key, const RenderedPicture& picture)

@@ -34,8 +34,9 @@ struct RenderedPicture {
     CGSize frame = {}; ///< pixels of the finished picture, which a stand-in is stretched to
     CGRect crop = {0, 0, 1, 1}; ///< what it shows of the whole frame
     const char* failure = ""; ///< one sentence, when there is no picture for a reason to tell
-    double milliseconds = 0; ///< that drawing took
-    bool isDraft = false; ///< smaller than it should be; the finished one follows
+    double milliseconds = 0; ///< that drawing and scaling took
+    double scale = 1; ///< of a draft to the finished picture
+    bool isDraft = false; ///< the finished one follows
 };
 
 /// Decides which renders run; one does at a time. Only the newest request counts: a new one cancels
@@ -43,7 +44,8 @@ struct RenderedPicture {
 ///
 /// A request may bring a draft, a quicker render of the same. It starts without the pause, so that
 /// a drag gives a live picture; while one is drawn, only the newest waits. A draft may be shown
-/// although the drag has gone on, since otherwise none would ever be: what follows it is newer.
+/// although the drag has gone on, since otherwise none would ever be: what follows it is newer. One
+/// that was drawn at the scale of the finished picture is that, after the pause.
 ///
 ///     request   r1 r2  r3 r4
 ///     drafts    [ r1 ][ r2 ][ r4 ]
@@ -79,6 +81,7 @@ private:
     void cancelRunning();
     void proceed();
     void start(const Render& render, bool isDraft);
+    void showDraft(const RenderKey& key, RenderedPicture picture);
     void finish(const RenderKey& key, const RenderedPicture& picture);
     void keep(const RenderKey& key, const RenderedPicture& picture);
 
@@ -87,6 +90,7 @@ private:
     std::optional<RenderKey> m_wanted;
     Render m_draft; ///< that waits; empty when none does
     Render m_render; ///< that waits; empty when none does
+    std::optional<std::pair<RenderKey, RenderedPicture>> m_wholeDraft; ///< the last one of scale 1
     std::shared_ptr<CancellationToken> m_running; ///< null when none does
     bool m_isDrafting = false; ///< what runs is a draft
     std::deque<std::pair<RenderKey, RenderedPicture>> m_kept; ///< newest first

@@ -1,5 +1,6 @@
 #include "RenderScheduler.h"
 
+#include "DraftPace.h"
 #include "TestWaiting.h"
 
 #include <QSemaphore>
@@ -18,7 +19,7 @@ RenderedPicture pictureOf(int number)
 {
     QImage image(1, 1, QImage::Format_RGB32);
     image.fill(QColor(number, 0, 0));
-    return {.picture = image};
+    return {.picture = image, .scale = number > 100 ? 0.5 : 1};
 }
 
 class RenderSchedulerTest : public testing::Test {
@@ -167,24 +168,68 @@ TEST_F(RenderSchedulerTest, AnAnswerMayAskForMoreWhetherItComesAtOnceOrLater)
     EXPECT_EQ(started, 3);
 }
 
-TEST(DraftEdge, IsAsLargeAsTheTimeAllows)
+TEST_F(RenderSchedulerTest, ADraftOfTheWholePictureIsTheFinishedOneAfterThePause)
+{
+    std::vector<bool> drafts;
+    QObject::connect(&scheduler, &RenderScheduler::rendered,
+                     [&](const RenderedPicture& picture) { drafts.push_back(picture.isDraft); });
+    scheduler.request(key(1), counted(9), Start::Debounced, counted(1));
+    waitUntilShown(2);
+    EXPECT_EQ(shown, (std::vector{1, 1}));
+    EXPECT_EQ(drafts, (std::vector{true, false}));
+    EXPECT_EQ(started, 1) << "it is not drawn again";
+
+    // One that has become stale by then is not.
+    QSemaphore running;
+    QSemaphore mayEnd;
+    scheduler.request(key(2), counted(9), Start::Debounced, [&](const CancellationToken&) {
+        running.release();
+        mayEnd.acquire();
+        return pictureOf(2);
+    });
+    running.acquire();
+    scheduler.request(key(3), counted(4), Start::Debounced, [&](const CancellationToken&) {
+        RenderedPicture smaller = pictureOf(3);
+        smaller.scale = 0.5;
+        return smaller;
+    });
+    mayEnd.release();
+    waitUntilShown(5);
+    EXPECT_EQ(shown, (std::vector{1, 1, 2, 3, 4}));
+}
+
+/// By what a draft costs: what all share, and what grows with the pixels.
+TEST(DraftPace, SettlesWhereTheTimeIsRight)
 {
     struct Row {
-        double milliseconds;
+        double base;
+        double whole;
         double picture;
         double screen;
-        std::optional<int> edge;
+        double from;
+        double to;
     };
     const Row rows[] = {
-        {0, 2560, 1600, {}}, // not known yet
-        {120, 2560, 1600, {}},   {360, 2560, 3840, 1280}, // a quarter of the pixels
-        {360, 2560, 900, 800}, // no more than is seen, in steps
-        {1400, 2560, 1600, 640}, {60000, 2560, 1600, 640}, {130, 2560, 300, 640},
-        {130, 2560, 3840, 2080}, {500, 700, 1600, {}}, // hardly smaller
+        {5, 20, 2560, 3840, 1, 1}, // the whole picture comes soon enough
+        {5, 20, 2560, 900, 0.35, 0.4}, // no more than is seen
+        {5, 90, 2560, 3840, 0.5, 0.8},
+        {10, 1000, 2560, 1600, 0.25, 0.25}, // never less than an edge of 640
+        {500, 0, 2560, 1600, 0.25, 0.25},
+        {5, 60, 500, 1600, 1, 1}, // a small picture
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(draftEdge(row.milliseconds, row.picture, row.screen), row.edge)
-            << row.milliseconds << " ms, " << row.picture << ", " << row.screen;
+    DraftPace pace; // what was learnt of one edit is the start for the next
+    for (const Row& row : rows) {
+        double scale = 0;
+        double before = 0;
+        for (int i = 0; i < 30; ++i) {
+            before = std::exchange(scale, pace.scale(row.picture, row.screen));
+            const double first = scale == before ? 0 : 30;
+            pace.drew(scale, row.base + first + row.whole * scale * scale);
+        }
+        EXPECT_EQ(scale, before) << "settled";
+        EXPECT_GE(scale, row.from) << row.base << " ms and " << row.whole;
+        EXPECT_LE(scale, row.to) << row.base << " ms and " << row.whole;
+    }
 }
 
 TEST_F(RenderSchedulerTest, AFailedRenderIsToldAndDoneAnewWhenAskedAgain)

@@ -44,12 +44,10 @@ RenderedPicture rendered(const CanvasContent& content, const CGSize& frame, Canv
                                 {.cancellation = &cancellation, .keepIntermediates = true});
     if (!drawn)
         return {};
-    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
     RenderedPicture result{.picture =
                                withoutCopy(std::make_shared<const CGImage>(std::move(*drawn))),
                            .frame = frame,
-                           .crop = content.state.crop,
-                           .milliseconds = took.count()};
+                           .crop = content.state.crop};
     view.frame = frame;
     const CGRect place = pictureRect(view);
     const QSize size = deviceSize(view, pixelRatio);
@@ -58,6 +56,8 @@ RenderedPicture rendered(const CanvasContent& content, const CGSize& frame, Canv
                            .toAlignedRect();
     if (size != result.picture.size() && !cancellation.isCancelled())
         result.fitted = fittedTo(size, partWorthFitting(seen, size), result.picture);
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+    result.milliseconds = took.count();
     return result;
 }
 
@@ -84,12 +84,12 @@ RenderedPicture renderedForScreen(const CanvasContent& content, const CanvasView
     return rendered(content, pictureSize(content), view, pixelRatio, cancellation);
 }
 
-RenderedPicture draftedForScreen(const CanvasContent& content, int edge, const CanvasView& view,
+RenderedPicture draftedForScreen(const CanvasContent& content, double scale, const CanvasView& view,
                                  double pixelRatio, const CancellationToken& cancellation)
 {
     RenderedPicture draft =
-        rendered(draftOf(content, edge), pictureSize(content), view, pixelRatio, cancellation);
-    draft.isDraft = true;
+        rendered(draftOf(content, scale), pictureSize(content), view, pixelRatio, cancellation);
+    draft.scale = scale;
     return draft;
 }
 

@@ -20,8 +20,8 @@ namespace orvane {
 /// is not read: it is the recipe's. A null picture when cancelled or empty.
 RenderedPicture renderedForScreen(const CanvasContent& content, const CanvasView& view,
                                   double pixelRatio, const CancellationToken& cancellation);
-/// The same from a smaller proxy, of that longest edge in pixels, to stand in for it.
-RenderedPicture draftedForScreen(const CanvasContent& content, int edge, const CanvasView& view,
+/// The same from a proxy that is smaller by a scale of at most 1, to stand in for it.
+RenderedPicture draftedForScreen(const CanvasContent& content, double scale, const CanvasView& view,
                                  double pixelRatio, const CancellationToken& cancellation);
 
 /// The engine's bytes as they are, owned by the image.

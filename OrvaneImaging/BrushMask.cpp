@@ -136,9 +136,8 @@ using Strokes = std::vector<std::vector<CGPoint>>;
 std::shared_ptr<const Bitmap> paintedMask(const Strokes& strokes, int width, int height,
                                           double lineWidth)
 {
-    auto mask = std::make_shared<Bitmap>(width, height, 1, SampleType::U8, AlphaKind::None);
-    for (int row = 0; row < height; ++row)
-        std::memset(mask->row(row), 0, mask->rowBytes());
+    auto mask = std::make_shared<Bitmap>(width, height, 1, SampleType::U8, AlphaKind::None,
+                                         BitmapContents::Zeros);
     std::vector<WhiteRun> white(static_cast<size_t>(height));
     const auto placed = [&](const CGPoint& p) { return CGPoint{p.x * width, p.y * height}; };
     for (const auto& stroke : strokes) {

@@ -48,7 +48,8 @@ SampleConversion::Table srgbDecodingTable(SampleType type)
     return sixteen;
 }
 
-Bitmap::Bitmap(int width, int height, int channels, SampleType type, AlphaKind alpha)
+Bitmap::Bitmap(int width, int height, int channels, SampleType type, AlphaKind alpha,
+               BitmapContents contents)
     : m_width(width)
     , m_height(height)
     , m_channels(channels)
@@ -56,7 +57,8 @@ Bitmap::Bitmap(int width, int height, int channels, SampleType type, AlphaKind a
     , m_alpha(alpha)
     , m_rowBytes(size_t(width) * size_t(channels) * sampleSize(type))
     , m_identity(nextIdentity())
-    , m_data(m_rowBytes * size_t(height))
+    , m_data(contents == BitmapContents::Zeros ? PixelMemory::zeros(m_rowBytes * size_t(height))
+                                               : PixelMemory(m_rowBytes * size_t(height)))
 {
 }
 

@@ -14,6 +14,9 @@ namespace orvane {
 enum class SampleType { U8, U16, F16, F32 };
 enum class AlphaKind { None, Straight, Premultiplied };
 
+/// What a new bitmap holds.
+enum class BitmapContents { Unset, Zeros };
+
 /// Bytes of one sample: 1, 2, 2 or 4.
 size_t sampleSize(SampleType type);
 
@@ -37,7 +40,8 @@ SampleConversion::Table srgbDecodingTable(SampleType type);
 class Bitmap {
 public:
     /// channels: 1 grey, 2 grey and alpha, 3 RGB, 4 RGBA. Width and height at least 1.
-    Bitmap(int width, int height, int channels, SampleType type, AlphaKind alpha);
+    Bitmap(int width, int height, int channels, SampleType type, AlphaKind alpha,
+           BitmapContents contents = BitmapContents::Unset);
 
     int width() const { return m_width; }
     int height() const { return m_height; }
@@ -64,7 +68,7 @@ private:
     AlphaKind m_alpha;
     size_t m_rowBytes;
     uint64_t m_identity;
-    // Not zeroed: a decoder writes every row, and touching 100 megapixels twice costs 40 ms.
+    // A decoder writes every row, and touching 100 megapixels twice costs 40 ms.
     PixelMemory m_data;
 };
 

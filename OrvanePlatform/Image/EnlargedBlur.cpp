@@ -24,24 +24,24 @@ struct RowsOfCells {
 /// rows side by side, two of them shared.
 RowsOfCells rowsOfCells(int y, int levels)
 {
-    int middle = y;
-    float weights[3] = {0, 1, 0}; // of middle - 1, middle and middle + 1
+    RowsOfCells rows{y, 0, 0};
+    float middle = 1;
     for (; levels > 0; --levels) {
-        const int parent = floorDivided(middle, 2);
-        float coarser[3] = {};
-        for (int i = 0; i < 3; ++i) {
-            const int row = middle + i - 1;
-            const int near = floorDivided(row, 2);
-            const int far = row == 2 * near ? near - 1 : near + 1;
-            if (weights[i] == 0)
-                continue;
-            coarser[near - parent + 1] += 0.75f * weights[i];
-            coarser[far - parent + 1] += 0.25f * weights[i];
+        const float below = rows.below;
+        const float above = rows.above;
+        // The nearer neighbour of a pair's lower row lies below, that of its upper row above.
+        if (rows.middle % 2 == 0) {
+            rows.below = 0.75f * below + 0.25f * middle;
+            rows.above = 0.25f * above;
+            middle = 0.25f * below + 0.75f * middle + 0.75f * above;
+        } else {
+            rows.below = 0.25f * below;
+            rows.above = 0.25f * middle + 0.75f * above;
+            middle = 0.75f * below + 0.75f * middle + 0.25f * above;
         }
-        std::copy(coarser, coarser + 3, weights);
-        middle = parent;
+        rows.middle = floorDivided(rows.middle, 2);
     }
-    return {middle, weights[0], weights[2]};
+    return rows;
 }
 
 } // namespace
@@ -52,7 +52,8 @@ EnlargedBlur::EnlargedBlur(const StoredImage& blurred, int factor, const PixelRe
     , m_levels(levelsBetween(1, factor))
     , m_rect(rect)
     , m_cells(coarserCells(rect, m_levels))
-    , m_scratch(arena.rowPlanes({0, 0, rect.width() + 4 * rowSlack, 1}, true))
+    , m_half((rect.width() / 2 + 4 * rowSlack) / rowPadding * rowPadding)
+    , m_scratch(arena.rowPlanes({0, 0, 2 * m_half, 1}, blurred.opaque()))
 {
     int first = m_cells.x0;
     for (int i = 0; i < m_levels; ++i) {
@@ -87,27 +88,33 @@ TilePlanes EnlargedBlur::rowPlanes(TileArena& arena) const
     return shifted(arena.rowPlanes(writtenRect(), m_blurred->opaque()));
 }
 
+// All channels are taken through one doubling after the other: a row that was written a moment ago
+// can only be read at once as it was written, and the next doubling reads it between.
 void EnlargedBlur::drawRow(int y, const TilePlanes& planes) const
 {
     const RowsOfCells rows = rowsOfCells(y, m_levels);
     const int left = m_cells.x0 - m_blurred->rect().x0;
+    const float* middle = m_blurred->floatRow(0, rows.middle) + left;
+    // A neighbour without weight may not be there.
+    const float* below = rows.below != 0 ? m_blurred->floatRow(0, rows.middle - 1) + left : middle;
+    const float* above = rows.above != 0 ? m_blurred->floatRow(0, rows.middle + 1) + left : middle;
     for (int c = 0; c < planes.channels(); ++c) {
-        const float* middle = m_blurred->floatRow(c, rows.middle) + left;
-        // A neighbour without weight may not be there.
-        const float* below =
-            rows.below != 0 ? m_blurred->floatRow(c, rows.middle - 1) + left : middle;
-        const float* above =
-            rows.above != 0 ? m_blurred->floatRow(c, rows.middle + 1) + left : middle;
-        float* from = m_scratch.plane[0];
-        float* to = m_scratch.plane[1];
-        blendRows({below, middle, above}, rows.below, rows.above, from, m_cells.width());
-        for (int i = 0; i + 1 < m_levels; ++i) {
-            doubleAcross(from + m_doublings[i].skipped, to, m_doublings[i].count);
-            std::swap(from, to);
-        }
-        const Doubling& last = m_doublings[m_levels - 1];
-        doubleAcross(from + last.skipped, planes.row(c, y) - (m_rect.x0 & 1), last.count);
+        const std::ptrdiff_t plane = c * m_blurred->channelStride();
+        blendRows({below + plane, middle + plane, above + plane}, rows.below, rows.above,
+                  m_scratch.plane[c], m_cells.width());
     }
+    int from = 0;
+    int to = m_half;
+    for (int i = 0; i + 1 < m_levels; ++i) {
+        for (int c = 0; c < planes.channels(); ++c)
+            doubleAcross(m_scratch.plane[c] + from + m_doublings[i].skipped,
+                         m_scratch.plane[c] + to, m_doublings[i].count);
+        std::swap(from, to);
+    }
+    const Doubling& last = m_doublings[m_levels - 1];
+    for (int c = 0; c < planes.channels(); ++c)
+        doubleAcross(m_scratch.plane[c] + from + last.skipped, planes.row(c, y) - (m_rect.x0 & 1),
+                     last.count);
 }
 
 } // namespace orvane

@@ -41,7 +41,8 @@ private:
     PixelRect m_rect;
     PixelRect m_cells;
     Doubling m_doublings[mostLevels];
-    TilePlanes m_scratch; ///< two rows
+    int m_half; ///< of a row of scratch memory, in floats
+    TilePlanes m_scratch; ///< of each channel, the row to be doubled and the doubled one
 };
 
 } // namespace orvane

@@ -1,6 +1,7 @@
 #include "PixelMemory.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <sys/mman.h>
 #include <system_error>
@@ -26,13 +27,13 @@ size_t wholePages(size_t bytes)
     return (bytes + page - 1) / page * page;
 }
 
-/// From the start of a huge page where one fits: the rows of a picture lie far apart, and each would
-/// need an entry of its own in the processor's table of pages.
+/// From the start of a huge page where one fits: the rows of a picture lie far apart, and each
+/// would need an entry of its own in the processor's table of pages.
 uint8_t* mapped(size_t bytes)
 {
     const size_t spare = bytes >= hugePage ? hugePage - page : 0;
-    void* const found = mmap(nullptr, bytes + spare, PROT_READ | PROT_WRITE,
-                             MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* const found =
+        mmap(nullptr, bytes + spare, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (found == MAP_FAILED)
         throw std::bad_alloc();
     auto* const memory = static_cast<uint8_t*>(found);
@@ -121,6 +122,14 @@ PixelMemory::PixelMemory(size_t bytes, const std::shared_ptr<SpareMemory>& spare
         m_bytes = {block.memory, Free{block.bytes, spares}};
     else
         m_bytes = {mapped(wholePages(bytes)), Free{wholePages(bytes), spares}};
+}
+
+PixelMemory PixelMemory::zeros(size_t bytes)
+{
+    PixelMemory memory(bytes);
+    if (!isLarge(bytes)) // otherwise fresh from the system
+        std::memset(memory.data(), 0, bytes);
+    return memory;
 }
 
 void PixelMemory::Free::operator()(uint8_t* memory) const

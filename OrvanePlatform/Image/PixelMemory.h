@@ -55,6 +55,9 @@ public:
     }
     /// Throws std::bad_alloc when there is not enough memory.
     explicit PixelMemory(size_t bytes, const std::shared_ptr<SpareMemory>& spares = {});
+    /// Zeros. What is large costs nothing where nobody writes: the system has one page of zeros
+    /// for all of it.
+    static PixelMemory zeros(size_t bytes);
 
     /// On a cache line.
     uint8_t* data() const { return m_bytes.get(); }

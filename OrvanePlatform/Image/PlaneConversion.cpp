@@ -15,19 +15,31 @@ namespace {
 
 using HalfTag = hn::Rebind<hwy::float16_t, FloatTag>;
 
-void halvesFromFloatsRun(const float* from, uint16_t* to, int count)
+constexpr int halvesOfLine = 32;
+
+/// A line at a time between the conversions: a burst of requests would fill the places that the
+/// processor has for those under way, and have the conversion wait for them.
+HWY_INLINE void fetchAlong(const uint8_t* next, int i)
+{
+    if (i % halvesOfLine == 0)
+        __builtin_prefetch(next + i * 2);
+}
+
+void halvesFromFloatsRun(const float* from, uint16_t* to, int count, const uint8_t* next)
 {
     constexpr float largest = 65504.0f;
     for (int i = 0; i < count; i += int(Lanes::count())) {
+        fetchAlong(next, i);
         const Lanes held = clamp(Lanes::load(from + i), Lanes(-largest), Lanes(largest));
         hn::StoreU(hn::DemoteTo(HalfTag(), held.v), HalfTag(),
                    reinterpret_cast<hwy::float16_t*>(to + i));
     }
 }
 
-void floatsFromHalvesRun(const uint16_t* from, float* to, int count)
+void floatsFromHalvesRun(const uint16_t* from, float* to, int count, const uint8_t* next)
 {
     for (int i = 0; i < count; i += int(Lanes::count())) {
+        fetchAlong(next, i);
         const auto half = hn::LoadU(HalfTag(), reinterpret_cast<const hwy::float16_t*>(from + i));
         hn::StoreU(hn::PromoteTo(FloatTag(), half), FloatTag(), to + i);
     }
@@ -206,14 +218,14 @@ HWY_EXPORT(bgra8PremultipliedRun);
 HWY_EXPORT(matrixRun);
 HWY_EXPORT(premultiplyRun);
 
-void halvesFromFloats(const float* from, uint16_t* to, int count)
+void halvesFromFloats(const float* from, uint16_t* to, int count, const void* next)
 {
-    HWY_DYNAMIC_DISPATCH(halvesFromFloatsRun)(from, to, count);
+    HWY_DYNAMIC_DISPATCH(halvesFromFloatsRun)(from, to, count, static_cast<const uint8_t*>(next));
 }
 
-void floatsFromHalves(const uint16_t* from, float* to, int count)
+void floatsFromHalves(const uint16_t* from, float* to, int count, const void* next)
 {
-    HWY_DYNAMIC_DISPATCH(floatsFromHalvesRun)(from, to, count);
+    HWY_DYNAMIC_DISPATCH(floatsFromHalvesRun)(from, to, count, static_cast<const uint8_t*>(next));
 }
 
 void applyMatrix(const float* m, float* const rgb[3], int count)

@@ -70,7 +70,7 @@ TilePlanes PointwiseRuns::zeros(const PixelRect& rect)
 void PointwiseRuns::add(const Run& run)
 {
     m_ones.resize(std::max(m_ones.size(), size_t(run.rect.width() + rowPadding)), 1.0f);
-    m_waiting.push_back({run, {}});
+    m_waiting.push_back({run, {}, {}});
     for (size_t n = 0; n < run.inputCount; ++n)
         m_arena.hold(run.inputs[n]);
     m_arena.hold(run.output);
@@ -88,20 +88,38 @@ void PointwiseRuns::add(const PixelRect& rect, std::function<void(int y)> row,
     }
 }
 
-void PointwiseRuns::runRow(const Run& run, int y) const
+/// The row of a run that is drawn first.
+PointwiseRow PointwiseRuns::firstRow(const Run& run) const
 {
     const PixelRect& rect = run.rect;
-    PointwiseRow row{.x = rect.x0, .y = y, .count = rect.width(), .inputs = {}, .output = {}};
+    PointwiseRow row{.x = rect.x0, .y = rect.y0, .count = rect.width(), .inputs = {}, .output = {}};
     for (size_t n = 0; n < run.inputCount; ++n) {
         const TilePlanes& input = run.inputs[n];
         for (int c = 0; c < input.channels(); ++c)
-            row.inputs[n][c] = input.at(c, rect.x0, y);
+            row.inputs[n][c] = input.at(c, rect.x0, rect.y0);
         if (input.opaque())
             row.inputs[n][3] = m_ones.data();
     }
     for (int c = 0; c < run.output.channels(); ++c)
-        row.output[c] = run.output.at(c, rect.x0, y);
+        row.output[c] = run.output.at(c, rect.x0, rect.y0);
+    return row;
+}
+
+/// Runs it, and moves on to the next. With many short steps, putting together each row anew took
+/// a fiftieth of a draw.
+void PointwiseRuns::runRow(Waiting& waiting)
+{
+    const Run& run = waiting.run;
+    PointwiseRow& row = waiting.pixels;
     run.run(run.node->parameters.record.data(), run.node->parameters.tableData(), row);
+    ++row.y;
+    for (size_t n = 0; n < run.inputCount; ++n) {
+        const TilePlanes& input = run.inputs[n];
+        for (int c = 0; c < input.channels(); ++c)
+            row.inputs[n][c] += input.stride;
+    }
+    for (int c = 0; c < run.output.channels(); ++c)
+        row.output[c] += run.output.stride;
 }
 
 void PointwiseRuns::flush()
@@ -109,19 +127,24 @@ void PointwiseRuns::flush()
     if (m_waiting.empty())
         return;
     PixelRect all;
-    for (const Waiting& waiting : m_waiting)
+    for (Waiting& waiting : m_waiting) {
         all = all.united(waiting.run.rect);
+        // Not before: m_ones may have moved.
+        if (!waiting.row)
+            waiting.pixels = firstRow(waiting.run);
+    }
     for (int y = all.y0; y < all.y1; ++y) {
-        for (const auto& [run, row] : m_waiting) {
-            if (y < run.rect.y0 || y >= run.rect.y1)
+        for (Waiting& waiting : m_waiting) {
+            if (y < waiting.run.rect.y0 || y >= waiting.run.rect.y1)
                 continue;
-            if (row)
-                row(y);
+            if (waiting.row)
+                waiting.row(y);
             else
-                runRow(run, y);
+                runRow(waiting);
         }
     }
-    for (const auto& [run, row] : m_waiting) {
+    for (const auto& waiting : m_waiting) {
+        const Run& run = waiting.run;
         for (size_t n = 0; n < run.inputCount; ++n)
             m_arena.letGo(run.inputs[n]);
         m_arena.letGo(run.output);

@@ -54,9 +54,11 @@ private:
     struct Waiting {
         Run run;
         std::function<void(int y)> row; ///< instead of the run
+        PointwiseRow pixels; ///< of the run, the row to come
     };
 
-    void runRow(const Run& run, int y) const;
+    PointwiseRow firstRow(const Run& run) const;
+    static void runRow(Waiting& waiting);
 
     TileArena& m_arena;
     std::vector<Waiting> m_waiting;

@@ -143,6 +143,16 @@ void doubleAcrossRun(const float* in, float* out, int count)
     }
 }
 
+void reverseAcrossRun(const float* in, float* out, int count)
+{
+    const int n = int(Lanes::count());
+    int i = 0;
+    for (; i + n <= count; i += n)
+        Lanes(hn::Reverse(FloatTag(), Lanes::load(in - i - n + 1).v)).store(out + i);
+    for (; i < count; ++i) // what lies before a row's beginning is not to be read
+        out[i] = in[-i];
+}
+
 } // namespace
 } // namespace orvane::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -157,6 +167,7 @@ HWY_EXPORT(halveDownRun);
 HWY_EXPORT(halveAcrossRun);
 HWY_EXPORT(blendRowsRun);
 HWY_EXPORT(doubleAcrossRun);
+HWY_EXPORT(reverseAcrossRun);
 
 void convolveAcross(const float* in, float* out, int count, const float* weights, int reach)
 {
@@ -187,6 +198,11 @@ void blendRows(const ThreeRows& rows, float below, float above, float* out, int 
 void doubleAcross(const float* in, float* out, int count)
 {
     HWY_DYNAMIC_DISPATCH(doubleAcrossRun)(in, out, count);
+}
+
+void reverseAcross(const float* in, float* out, int count)
+{
+    HWY_DYNAMIC_DISPATCH(reverseAcrossRun)(in, out, count);
 }
 
 } // namespace orvane

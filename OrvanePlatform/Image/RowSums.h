@@ -38,4 +38,7 @@ void blendRows(const ThreeRows& rows, float below, float above, float* out, int 
 /// count.
 void doubleAcross(const float* in, float* out, int count);
 
+/// out[i] = in[-i].
+void reverseAcross(const float* in, float* out, int count);
+
 } // namespace orvane

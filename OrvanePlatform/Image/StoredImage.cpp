@@ -37,8 +37,9 @@ StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format
 
 uint8_t* StoredImage::element(int channel, int x, int y) const
 {
+    const int row = y - m_rect.y0;
     const size_t index = size_t(channel) * m_planeElements
-        + size_t((y - m_rect.y0) % m_rows) * size_t(m_stride) + size_t(x - m_rect.x0);
+        + size_t(row < m_rows ? row : row % m_rows) * size_t(m_stride) + size_t(x - m_rect.x0);
     return m_memory.data() + index * elementSize();
 }
 
@@ -59,18 +60,21 @@ void StoredImage::write(const TilePlanes& planes, const PixelRect& rect)
     uint16_t last[rowPadding];
     const std::vector<float> ones(!m_opaque && planes.opaque() ? size_t(width) + rowPadding : 0,
                                   1.0f);
-    for (int c = 0; c < (m_opaque ? 3 : 4); ++c) {
-        for (int y = rect.y0; y < rect.y1; ++y) {
+    for (int y = rect.y0; y < rect.y1; ++y) {
+        uint8_t* const row = element(0, rect.x0, y);
+        // The rows of a tile come one after the other, however few of them at a time.
+        const uint8_t* const nextRow = element(0, rect.x0, std::min(y + 1, m_rect.y1 - 1));
+        for (int c = 0; c < (m_opaque ? 3 : 4); ++c) {
             const float* from = planes.plane[c] ? planes.at(c, rect.x0, y) : ones.data();
-            uint8_t* to = element(c, rect.x0, y);
+            uint8_t* const to = row + size_t(c) * planeBytes();
             if (m_format == StoredFormat::Float) {
                 std::memcpy(to, from, size_t(width) * sizeof(float));
                 continue;
             }
             auto* halves = static_cast<uint16_t*>(static_cast<void*>(to));
-            halvesFromFloats(from, halves, whole);
+            halvesFromFloats(from, halves, whole, nextRow + size_t(c) * planeBytes());
             // The neighbouring tile's pixels must not be touched.
-            halvesFromFloats(from + whole, last, width - whole);
+            halvesFromFloats(from + whole, last, width - whole, last);
             std::copy_n(last, width - whole, halves + whole);
         }
     }
@@ -100,17 +104,21 @@ TilePlanes StoredImage::read(const PixelRect& rect, TileArena& arena) const
 void StoredImage::readRow(int y, const TilePlanes& planes) const
 {
     const PixelRect& rect = planes.rect;
-    const size_t rowBytes = size_t(rect.width()) * elementSize();
+    const uint8_t* const row = element(0, rect.x0, y);
+    // A tile's row ends before the processor has seen where the reading goes.
+    const uint8_t* const nextRow = element(0, rect.x0, std::min(y + 1, rect.y1 - 1));
     for (int c = 0; c < planes.channels(); ++c) {
-        const void* from = element(c, rect.x0, y);
-        // A tile's row ends before the processor has seen where the reading goes.
-        const uint8_t* next = element(c, rect.x0, std::min(y + 1, rect.y1 - 1));
+        const void* const from = row + size_t(c) * planeBytes();
+        const uint8_t* const next = nextRow + size_t(c) * planeBytes();
+        if (m_format == StoredFormat::Half) {
+            floatsFromHalves(static_cast<const uint16_t*>(from), planes.row(c, y), rect.width(),
+                             next);
+            continue;
+        }
+        const size_t rowBytes = size_t(rect.width()) * sizeof(float);
         for (size_t i = 0; i < rowBytes; i += 64)
             __builtin_prefetch(next + i);
-        if (m_format == StoredFormat::Float)
-            std::memcpy(planes.row(c, y), from, size_t(rect.width()) * sizeof(float));
-        else
-            floatsFromHalves(static_cast<const uint16_t*>(from), planes.row(c, y), rect.width());
+        std::memcpy(planes.row(c, y), from, rowBytes);
     }
 }
 

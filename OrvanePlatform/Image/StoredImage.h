@@ -42,9 +42,12 @@ public:
     /// Direct access to a row of floats; only of images in StoredFormat::Float.
     float* floatRow(int channel, int y);
     const float* floatRow(int channel, int y) const;
+    /// From a row of one channel to the same row of the next, in samples.
+    std::ptrdiff_t channelStride() const { return std::ptrdiff_t(m_planeElements); }
 
 private:
     size_t elementSize() const { return m_format == StoredFormat::Half ? 2 : 4; }
+    size_t planeBytes() const { return m_planeElements * elementSize(); }
     uint8_t* element(int channel, int x, int y) const;
 
     PixelRect m_rect;

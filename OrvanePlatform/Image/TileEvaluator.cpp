@@ -5,6 +5,7 @@
 #include "BlurWeights.h"
 #include "Lanczos.h"
 #include "PlaneConversion.h"
+#include "RowSums.h"
 #include "SourceReader.h"
 
 #include <algorithm>
@@ -345,7 +346,9 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Ort
             const PixelRect first = back.apply(PixelRect{rect.x0, y, rect.x0 + 1, y + 1});
             const float* source = from.at(c, first.x0, first.y0);
             float* to = out.row(c, y);
-            for (int i = 0; i < rect.width(); ++i)
+            if (step1 == -1)
+                reverseAcross(source, to, rect.width());
+            for (int i = 0; step1 != -1 && i < rect.width(); ++i)
                 to[i] = source[i * step1];
         }
     }

@@ -11,8 +11,10 @@ namespace orvane {
 
 namespace {
 
-constexpr double smallestRatio = 2.7;
-/// Cells beyond the Gaussian's own border: the inverse of the grid's filters rings a little.
+/// Of sigma to the side of a cell.
+constexpr double smallestRatio = fadedFrom / 2;
+/// Cells beyond 3 sigma: for what fades out there, and for the little that the inverse of the
+/// grid's filters rings.
 constexpr int extraReach = 2;
 /// Points at which a filter's response is matched, from 0 to half a cycle a cell.
 constexpr int responsePoints = 256;
@@ -49,15 +51,16 @@ int coarseReach(float sigma, int factor)
 std::vector<double> coarseWeights(double sigma, int factor)
 {
     // The response wanted of the whole, divided by that of going down and up the levels, each
-    // cos(t / 2)^3, and brought back from frequencies to weights.
-    const std::vector<double> gaussian = gaussianWeights(sigma);
+    // cos(t / 2)^3 but for the first one up, cos(t / 2)^5, and brought back from frequencies to
+    // weights.
+    const std::vector<double> blur = blurWeights(sigma);
     std::vector<double> weights(size_t(coarseReach(float(sigma), factor)) + 1, 0.0);
     for (int m = 0; m < responsePoints; ++m) {
         const double t = (m + 0.5) * std::numbers::pi / responsePoints;
-        double levels = 1;
+        double levels = std::pow(std::cos(t / 4), 2);
         for (int scale = 1; scale < factor; scale *= 2)
             levels *= std::pow(std::cos(t / factor * scale / 2), 6);
-        const double wanted = response(gaussian, t / factor) / levels;
+        const double wanted = response(blur, t / factor) / levels;
         for (size_t j = 0; j < weights.size(); ++j)
             weights[j] += wanted * std::cos(double(j) * t) / responsePoints;
     }

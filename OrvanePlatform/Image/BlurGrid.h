@@ -12,16 +12,17 @@ namespace orvane {
 // Level by level, cell i of a coarser grid is (1 3 3 1) / 8 of cells 2i - 1 .. 2i + 2 of the finer
 // one, in both directions; back again, cells 2i and 2i + 1 are 3/4 of cell i and 1/4 of its nearer
 // neighbour. Both are the same filter, a quadratic B-spline in the limit: what it leaves of the
-// frequencies that a coarser grid folds over falls off with the third power of their distance.
-// Between them lies a convolution whose weights make up for both, so that the whole comes close to
-// the Gaussian: a step differs by less than 6e-4 for the factors that blurReduction chooses, most
-// of it 3 sigma away from the step, where the Gaussian's weights end at once and the grid's cannot.
-// Cells are counted from the origin of the coordinates, so tiles agree to the bit.
+// frequencies that a coarser grid folds over falls off with the third power of their distance. Up
+// from the coarsest grid that is not enough, for its cells are as far apart as the blur allows:
+// there the filter is (1 5 10 10 5 1) / 16, and the power the fifth.
+// Between down and up lies a convolution whose weights make up for both, so that the whole comes
+// close to blurWeights: a step differs by less than 7e-5, an eighth to a quarter of an 8-bit level
+// near black. Cells are counted from the origin of the coordinates, so tiles agree to the bit.
 
 /// The factor to compute a Gaussian of this sigma with: 1, or the largest power of two up to
 /// sigma / 2.7.
 int blurReduction(float sigma);
-/// Its weights on the grid reduced by `factor`, w(0) .. w(n), symmetric.
+/// Its weights on the grid reduced by `factor`, at least 2: w(0) .. w(n), symmetric.
 std::vector<double> coarseWeights(double sigma, int factor);
 /// The n of coarseWeights.
 int coarseReach(float sigma, int factor);

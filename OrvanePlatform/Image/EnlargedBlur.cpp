@@ -12,36 +12,50 @@ namespace {
 /// Room past the end of a row that doubling may write to.
 constexpr int rowSlack = 2 * rowPadding;
 
-/// The rows of cells behind a row of pixels: `middle`, and its two neighbours with their weights.
+/// The rows of cells behind a row of pixels, by their weights: `middle`, its two neighbours, and
+/// at most one row beyond these.
 struct RowsOfCells {
     int middle = 0;
-    float below = 0;
-    float above = 0;
+    int outer = 0;
+    FourRows<float> weights = {};
 };
 
 /// Row y is 3/4 of row floor(y / 2) of the next coarser level and 1/4 of its nearer neighbour, and
-/// so on up the levels. Three rows are always enough: parents of three rows side by side are three
-/// rows side by side, two of them shared.
+/// so on up the levels; three rows are always enough, for the parents of three rows side by side
+/// are three rows side by side, two of them shared. On the coarsest level but one a row is
+/// (5 10 1) / 16 or (1 10 5) / 16 of three.
 RowsOfCells rowsOfCells(int y, int levels)
 {
-    RowsOfCells rows{y, 0, 0};
-    float middle = 1;
-    for (; levels > 0; --levels) {
-        const float below = rows.below;
-        const float above = rows.above;
+    int middle = y;
+    float below = 0;
+    float same = 1;
+    float above = 0;
+    for (; levels > 1; --levels) {
+        const float low = below;
+        const float high = above;
         // The nearer neighbour of a pair's lower row lies below, that of its upper row above.
-        if (rows.middle % 2 == 0) {
-            rows.below = 0.75f * below + 0.25f * middle;
-            rows.above = 0.25f * above;
-            middle = 0.25f * below + 0.75f * middle + 0.75f * above;
+        if (middle % 2 == 0) {
+            below = 0.75f * low + 0.25f * same;
+            above = 0.25f * high;
+            same = 0.25f * low + 0.75f * same + 0.75f * high;
         } else {
-            rows.below = 0.25f * below;
-            rows.above = 0.25f * middle + 0.75f * above;
-            middle = 0.75f * below + 0.75f * middle + 0.25f * above;
+            below = 0.25f * low;
+            above = 0.25f * same + 0.75f * high;
+            same = 0.75f * low + 0.75f * same + 0.25f * high;
         }
-        rows.middle = floorDivided(rows.middle, 2);
+        middle = floorDivided(middle, 2);
     }
-    return rows;
+    // Written for a pair's lower row; below and above change places for its upper one.
+    const bool lower = middle % 2 == 0;
+    if (!lower)
+        std::swap(below, above);
+    const int parent = floorDivided(middle, 2);
+    const float near = 0.625f * below + 0.3125f * same + 0.0625f * above;
+    const float away = 0.0625f * same + 0.3125f * above;
+    const float beyond = 0.0625f * below;
+    if (lower)
+        return {parent, parent - 2, {near, 0, away, beyond}};
+    return {parent, parent + 2, {away, 0, near, beyond}};
 }
 
 } // namespace
@@ -95,26 +109,29 @@ void EnlargedBlur::drawRow(int y, const TilePlanes& planes) const
     const RowsOfCells rows = rowsOfCells(y, m_levels);
     const int left = m_cells.x0 - m_blurred->rect().x0;
     const float* middle = m_blurred->floatRow(0, rows.middle) + left;
-    // A neighbour without weight may not be there.
-    const float* below = rows.below != 0 ? m_blurred->floatRow(0, rows.middle - 1) + left : middle;
-    const float* above = rows.above != 0 ? m_blurred->floatRow(0, rows.middle + 1) + left : middle;
+    // A row without weight may not be there.
+    const auto row = [&](float weight, int j) {
+        return weight != 0 ? m_blurred->floatRow(0, j) + left : middle;
+    };
+    const float* below = row(rows.weights.below, rows.middle - 1);
+    const float* above = row(rows.weights.above, rows.middle + 1);
+    const float* outer = row(rows.weights.outer, rows.outer);
     for (int c = 0; c < planes.channels(); ++c) {
         const std::ptrdiff_t plane = c * m_blurred->channelStride();
-        blendRows({below + plane, middle + plane, above + plane}, rows.below, rows.above,
+        blendRows({below + plane, middle + plane, above + plane, outer + plane}, rows.weights,
                   m_scratch.plane[c], m_cells.width());
     }
     int from = 0;
     int to = m_half;
-    for (int i = 0; i + 1 < m_levels; ++i) {
+    for (int i = 0; i < m_levels; ++i) {
+        const bool last = i + 1 == m_levels;
+        const auto doubled = i == 0 ? doubleAcrossWide : doubleAcross;
         for (int c = 0; c < planes.channels(); ++c)
-            doubleAcross(m_scratch.plane[c] + from + m_doublings[i].skipped,
-                         m_scratch.plane[c] + to, m_doublings[i].count);
+            doubled(m_scratch.plane[c] + from + m_doublings[i].skipped,
+                    last ? planes.row(c, y) - (m_rect.x0 & 1) : m_scratch.plane[c] + to,
+                    m_doublings[i].count);
         std::swap(from, to);
     }
-    const Doubling& last = m_doublings[m_levels - 1];
-    for (int c = 0; c < planes.channels(); ++c)
-        doubleAcross(m_scratch.plane[c] + from + last.skipped, planes.row(c, y) - (m_rect.x0 & 1),
-                     last.count);
 }
 
 } // namespace orvane

@@ -205,7 +205,7 @@ private:
     }
     void drawInto(FloatImage& out, const Node& node, const GaussianNode& n, const PixelRect& r)
     {
-        const std::vector<double> weights = gaussianWeights(n.sigma);
+        const std::vector<double> weights = blurWeights(double(n.sigma));
         const int reach = int(weights.size()) - 1;
         const FloatImage& in = draw(*node.inputs[0], r.grown(reach));
         FloatImage across({r.x0, r.y0 - reach, r.x1, r.y1 + reach});

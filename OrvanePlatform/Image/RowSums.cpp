@@ -107,14 +107,24 @@ HWY_INLINE Lanes doubled(Lanes near, Lanes far)
     return mulAdd(near, Lanes(0.75f), far * Lanes(0.25f));
 }
 
-void blendRowsRun(const ThreeRows& rows, float below, float above, float* out, int count)
+HWY_INLINE Lanes doubledWide(Lanes near, Lanes far, Lanes farther)
 {
-    const Lanes low(below);
-    const Lanes high(above);
+    return mulAdd(near, Lanes(0.625f), mulAdd(far, Lanes(0.3125f), farther * Lanes(0.0625f)));
+}
+
+void blendRowsRun(const FourRows<const float*>& rows, const FourRows<float>& weights, float* out,
+                  int count)
+{
+    const Lanes low(weights.below);
+    const Lanes high(weights.above);
+    const Lanes outer(weights.outer);
+    const bool four = weights.outer != 0;
     for (int i = 0; i < count; i += int(Lanes::count())) {
         const Lanes middle = Lanes::load(rows.middle + i);
-        const Lanes raised = mulAdd(Lanes::load(rows.above + i) - middle, high, middle);
-        mulAdd(Lanes::load(rows.below + i) - middle, low, raised).store(out + i);
+        Lanes sum = mulAdd(Lanes::load(rows.above + i) - middle, high, middle);
+        if (four)
+            sum = mulAdd(Lanes::load(rows.outer + i) - middle, outer, sum);
+        mulAdd(Lanes::load(rows.below + i) - middle, low, sum).store(out + i);
     }
 }
 
@@ -143,6 +153,17 @@ void doubleAcrossRun(const float* in, float* out, int count)
     }
 }
 
+void doubleAcrossWideRun(const float* in, float* out, int count)
+{
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        const Lanes left = Lanes::load(in + i - 1);
+        const Lanes cell = Lanes::load(in + i);
+        const Lanes right = Lanes::load(in + i + 1);
+        storeAlternating(doubledWide(cell, left, right), doubledWide(cell, right, left),
+                         out + 2 * i);
+    }
+}
+
 void reverseAcrossRun(const float* in, float* out, int count)
 {
     const int n = int(Lanes::count());
@@ -167,6 +188,7 @@ HWY_EXPORT(halveDownRun);
 HWY_EXPORT(halveAcrossRun);
 HWY_EXPORT(blendRowsRun);
 HWY_EXPORT(doubleAcrossRun);
+HWY_EXPORT(doubleAcrossWideRun);
 HWY_EXPORT(reverseAcrossRun);
 
 void convolveAcross(const float* in, float* out, int count, const float* weights, int reach)
@@ -190,14 +212,20 @@ void halveAcross(const float* in, float* out, int count)
     HWY_DYNAMIC_DISPATCH(halveAcrossRun)(in, out, count);
 }
 
-void blendRows(const ThreeRows& rows, float below, float above, float* out, int count)
+void blendRows(const FourRows<const float*>& rows, const FourRows<float>& weights, float* out,
+               int count)
 {
-    HWY_DYNAMIC_DISPATCH(blendRowsRun)(rows, below, above, out, count);
+    HWY_DYNAMIC_DISPATCH(blendRowsRun)(rows, weights, out, count);
 }
 
 void doubleAcross(const float* in, float* out, int count)
 {
     HWY_DYNAMIC_DISPATCH(doubleAcrossRun)(in, out, count);
+}
+
+void doubleAcrossWide(const float* in, float* out, int count)
+{
+    HWY_DYNAMIC_DISPATCH(doubleAcrossWideRun)(in, out, count);
 }
 
 void reverseAcross(const float* in, float* out, int count)

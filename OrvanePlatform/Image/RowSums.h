@@ -25,18 +25,23 @@ void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
 void halveDown(const std::array<const float*, 4>& rows, float* out, int count);
 /// out[i] = (1 3 3 1) / 8 of in[2 i] .. in[2 i + 3].
 void halveAcross(const float* in, float* out, int count);
-/// Rows above one another.
-struct ThreeRows {
-    const float* below;
-    const float* middle;
-    const float* above;
+/// A row, its two neighbours above one another, and one row beyond these; or a weight of each.
+template <class T> struct FourRows {
+    T below;
+    T middle;
+    T above;
+    T outer;
 };
-/// out = the middle row, less what the weights of the two others take from it; rows that are alike
-/// stay so to the bit.
-void blendRows(const ThreeRows& rows, float below, float above, float* out, int count);
+/// out = the middle row, less what the weights of the others take from it; its own weight is not
+/// read. Rows that are alike stay so to the bit.
+void blendRows(const FourRows<const float*>& rows, const FourRows<float>& weights, float* out,
+               int count);
 /// out[2 i] = 3/4 in[i] + 1/4 in[i - 1], out[2 i + 1] = 3/4 in[i] + 1/4 in[i + 1], for i below
 /// count.
 void doubleAcross(const float* in, float* out, int count);
+/// The same with the filter (1 5 10 10 5 1) / 16: out[2 i] = (5 in[i - 1] + 10 in[i] + in[i + 1])
+/// / 16, out[2 i + 1] = (in[i - 1] + 10 in[i] + 5 in[i + 1]) / 16.
+void doubleAcrossWide(const float* in, float* out, int count);
 
 /// out[i] = in[-i].
 void reverseAcross(const float* in, float* out, int count);

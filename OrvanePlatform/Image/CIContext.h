@@ -15,7 +15,7 @@
 
 namespace orvane {
 
-/// Asked once a tile by a running draw; cancel() may come from any thread.
+/// Asked between the rows of a tile by a running draw; cancel() may come from any thread.
 class CancellationToken {
 public:
     void cancel() { m_cancelled.store(true, std::memory_order_relaxed); }

@@ -194,7 +194,8 @@ TileEvaluator& Drawing::evaluator(const PlanPass& pass, int slot)
     auto& evaluator = own.evaluators[size_t(slot)];
     if (!evaluator)
         evaluator = std::make_unique<TileEvaluator>(pass, m_plan.stored, m_stored, *own.tables,
-                                                    m_arenas[size_t(slot)]);
+                                                    m_arenas[size_t(slot)],
+                                                    CancellationCheck(m_options.cancellation));
     return *evaluator;
 }
 
@@ -272,7 +273,11 @@ bool Drawing::drawRows(size_t step, const TiledRenderer::TileTarget& target)
         const size_t index = next.fetch_add(1);
         if (index >= tiles.size() || cancelled())
             return ThreadPool::Step::Finished;
-        drawTile(pass, slot, tiles[index], target);
+        try {
+            drawTile(pass, slot, tiles[index], target);
+        } catch (const DrawCancelled&) {
+            return ThreadPool::Step::Finished;
+        }
         return ThreadPool::Step::Worked;
     });
     if (cancelled())

@@ -410,6 +410,28 @@ TEST(Cancellation, StopsEveryKindOfDraw)
     EXPECT_FALSE(context.createCGImage(image, CGRect::infinite()).has_value());
 }
 
+TEST(Cancellation, LeavesTheNextDrawAsItWas)
+{
+    // Scratch memory that a tile was broken off in goes to the next draw.
+    const CIImage image = everything(photograph(500, 400));
+    const auto expected =
+        drawn(image, CIContext(), PixelFormat::BGRX8, {.keepIntermediates = true});
+    for (int pause = 1; pause < 100000; pause *= 4) {
+        const CIContext context;
+        CancellationToken token;
+        std::thread other([&] {
+            for (int i = 0; i < pause; ++i)
+                std::this_thread::yield();
+            token.cancel();
+        });
+        context.createCGImage(image, image.extent(),
+                              {.cancellation = &token, .keepIntermediates = true});
+        other.join();
+        ASSERT_EQ(drawn(image, context, PixelFormat::BGRX8, {.keepIntermediates = true}), expected)
+            << pause;
+    }
+}
+
 TEST(Cache, SparesEarlierStagesAndChangesNothing)
 {
     const CIImage graded =

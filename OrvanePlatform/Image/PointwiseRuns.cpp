@@ -134,6 +134,7 @@ void PointwiseRuns::flush()
             waiting.pixels = firstRow(waiting.run);
     }
     for (int y = all.y0; y < all.y1; ++y) {
+        m_check();
         for (Waiting& waiting : m_waiting) {
             if (y < waiting.run.rect.y0 || y >= waiting.run.rect.y1)
                 continue;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CIContext.h"
 #include "Node.h"
 #include "Planner.h"
 #include "TilePlanes.h"
@@ -22,11 +23,33 @@ struct RowGroups {
     std::vector<bool> oneRow;
 };
 
+/// Thrown out of the middle of a tile; never leaves the draw.
+struct DrawCancelled { };
+
+/// The question that a tile asks between its steps and its rows: a tile of costly steps takes
+/// several milliseconds.
+class CancellationCheck {
+public:
+    explicit CancellationCheck(const CancellationToken* token)
+        : m_token(token)
+    {
+    }
+    void operator()() const
+    {
+        if (m_token && m_token->isCancelled())
+            throw DrawCancelled();
+    }
+
+private:
+    const CancellationToken* m_token;
+};
+
 /// Steps that wait to be run together over the rows of a tile.
 class PointwiseRuns {
 public:
-    explicit PointwiseRuns(TileArena& arena)
+    PointwiseRuns(TileArena& arena, CancellationCheck check)
         : m_arena(arena)
+        , m_check(check)
     {
     }
 
@@ -47,7 +70,7 @@ public:
     /// until then.
     void add(const PixelRect& rect, std::function<void(int y)> row,
              std::initializer_list<TilePlanes> uses);
-    /// Runs all that wait.
+    /// Runs all that wait. Throws DrawCancelled.
     void flush();
 
 private:
@@ -61,6 +84,7 @@ private:
     static void runRow(Waiting& waiting);
 
     TileArena& m_arena;
+    CancellationCheck m_check;
     std::vector<Waiting> m_waiting;
     std::vector<float> m_zeros;
     std::vector<std::vector<float>> m_outgrown; ///< rows of zeros that some who wait read

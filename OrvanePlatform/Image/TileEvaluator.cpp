@@ -73,7 +73,7 @@ PassTables makePassTables(const Plan& plan, const PlanPass& pass)
 
 TileEvaluator::TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>& storedPlans,
                              const std::vector<std::shared_ptr<StoredImage>>& stored,
-                             const PassTables& tables, TileArena& arena)
+                             const PassTables& tables, TileArena& arena, CancellationCheck check)
     : m_pass(pass)
     , m_storedPlans(storedPlans)
     , m_stored(stored)
@@ -83,7 +83,8 @@ TileEvaluator::TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>
     , m_lastRead(pass.steps.size())
     , m_drawn(pass.steps.size())
     , m_arena(arena)
-    , m_runs(arena)
+    , m_check(check)
+    , m_runs(arena, check)
 {
     std::vector<bool> readLater(pass.steps.size(), false);
     for (size_t i = pass.steps.size(); i-- > 0;) {
@@ -130,6 +131,7 @@ void TileEvaluator::drawSteps(const PixelRect& rect)
     for (size_t i = 0; i < m_pass.steps.size(); ++i) {
         if (m_groups.runBefore[i])
             m_runs.flush();
+        m_check();
         drawStep(i);
         m_arena.hold(m_drawn[i].planes);
         for (const size_t input : m_lastRead[i])

@@ -37,12 +37,13 @@ struct PassTables {
 
 PassTables makePassTables(const Plan& plan, const PlanPass& pass);
 
-/// Draws tiles of one pass; one for each worker, with the worker's scratch memory.
+/// Draws tiles of one pass; one for each worker, with the worker's scratch memory. Whoever asks for
+/// a tile may get DrawCancelled thrown; then the evaluator is of no more use.
 class TileEvaluator {
 public:
     TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>& storedPlans,
                   const std::vector<std::shared_ptr<StoredImage>>& stored, const PassTables& tables,
-                  TileArena& arena);
+                  TileArena& arena, CancellationCheck check);
 
     /// The last step's pixels over `rect`, transparent beyond its extent. Valid until the scratch
     /// memory is next used.
@@ -104,6 +105,7 @@ private:
     std::vector<PixelRect> m_requests;
     std::vector<Drawn> m_drawn;
     TileArena& m_arena;
+    CancellationCheck m_check;
     PointwiseRuns m_runs;
 };
 

@@ -8,8 +8,10 @@ namespace orvane {
 namespace {
 
 constexpr double cut = 3;
-constexpr double fadeStart = 2.5;
-constexpr double fadeEnd = 3.8;
+/// In sigmas: how far the fade goes to either side of its middle, and how far beyond the cut that
+/// is, which keeps the sum of what is taken and given even.
+constexpr double fade = 0.65;
+constexpr double beyond = 0.05;
 
 /// w(0) .. w(n) as the Gaussian over each pixel times factor(i), their sum made 1.
 template <class Factor> std::vector<double> weightsUpTo(int n, double sigma, Factor&& factor)
@@ -37,8 +39,10 @@ std::vector<double> blurWeights(double sigma)
 {
     if (sigma < fadedFrom)
         return gaussianWeights(sigma);
-    return weightsUpTo(int(std::ceil(fadeEnd * sigma)), sigma, [&](int i) {
-        const double t = std::clamp((i / sigma - fadeStart) / (fadeEnd - fadeStart), 0.0, 1.0);
+    // A weight stands for a whole pixel.
+    const double middle = std::ceil(cut * sigma) + 0.5 + beyond * sigma;
+    return weightsUpTo(int(std::ceil(middle + fade * sigma)), sigma, [&](int i) {
+        const double t = std::clamp(((i - middle) / sigma + fade) / (2 * fade), 0.0, 1.0);
         return 1 - t * t * t * (t * (6 * t - 15) + 10);
     });
 }

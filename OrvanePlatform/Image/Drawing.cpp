@@ -20,6 +20,14 @@ constexpr int tilesForEachWorker = 4;
 /// What is kept has all its rows in memory anyway, so there the workers need to meet less often.
 constexpr int tilesOfKept = 32;
 
+TilesAtOnce tilesAtOnce(int workers, bool kept)
+{
+    if (kept)
+        return {.pixels = workers * tilesOfKept, .cells = workers * tilesOfKept};
+    // Rows of cells are little work, and stand for many rows of pixels to be held.
+    return {.pixels = workers * tilesForEachWorker, .cells = 1};
+}
+
 /// Tiles of a region in rows from the top, or shuffled.
 std::vector<PixelRect> tilesOf(const PixelRect& region, int width, int height, uint64_t seed)
 {
@@ -93,8 +101,7 @@ Drawing::Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
     , m_arenas(std::move(arenas))
 {
     m_schedule =
-        makeSchedule(m_plan, findKept(),
-                     pool.slots() * (options.keepIntermediates ? tilesOfKept : tilesForEachWorker));
+        makeSchedule(m_plan, findKept(), tilesAtOnce(pool.slots(), options.keepIntermediates));
 }
 
 bool Drawing::cancelled() const

@@ -9,7 +9,7 @@ namespace {
 
 class Scheduler {
 public:
-    Scheduler(const Plan& plan, const std::vector<bool>& available, int tilesAtOnce)
+    Scheduler(const Plan& plan, const std::vector<bool>& available, TilesAtOnce tilesAtOnce)
         : m_plan(plan)
         , m_available(available)
         , m_tilesAtOnce(tilesAtOnce)
@@ -46,11 +46,10 @@ private:
 
     int rowsAtOnce(const PlanPass& pass) const
     {
-        // Rows of cells are little work, and stand for many rows of pixels to be held.
-        if (pass.target >= 0 && m_plan.stored[size_t(pass.target)].factor > 1)
-            return pass.tileHeight;
+        const bool cells = pass.target >= 0 && m_plan.stored[size_t(pass.target)].factor > 1;
+        const int wanted = cells ? m_tilesAtOnce.cells : m_tilesAtOnce.pixels;
         const int across = std::max(1, (pass.region.width() + pass.tileWidth - 1) / pass.tileWidth);
-        return pass.tileHeight * std::max(1, (m_tilesAtOnce + across - 1) / across);
+        return pass.tileHeight * std::max(1, (wanted + across - 1) / across);
     }
 
     void draw(int index, int bottom, int top)
@@ -106,7 +105,7 @@ private:
 
     const Plan& m_plan;
     const std::vector<bool>& m_available;
-    int m_tilesAtOnce;
+    TilesAtOnce m_tilesAtOnce;
     std::vector<int> m_passOf;
     std::vector<int> m_drawnTo;
     std::vector<std::vector<Use>> m_uses;
@@ -115,7 +114,7 @@ private:
 
 } // namespace
 
-Schedule makeSchedule(const Plan& plan, const std::vector<bool>& available, int tilesAtOnce)
+Schedule makeSchedule(const Plan& plan, const std::vector<bool>& available, TilesAtOnce tilesAtOnce)
 {
     return Scheduler(plan, available, tilesAtOnce).schedule();
 }

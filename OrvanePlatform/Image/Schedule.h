@@ -29,8 +29,14 @@ struct Schedule {
     std::vector<Image> images; ///< by stored image
 };
 
-/// available: by stored image, whether it is in memory already and need not be drawn. A step holds
-/// at least `tilesAtOnce` tiles where the pass has so many.
-Schedule makeSchedule(const Plan& plan, const std::vector<bool>& available, int tilesAtOnce);
+/// How many tiles a step holds at least, where the pass has so many.
+struct TilesAtOnce {
+    int pixels = 1; ///< of passes that draw pixels
+    int cells = 1; ///< of those that draw cells of a coarse grid
+};
+
+/// available: by stored image, whether it is in memory already and need not be drawn.
+Schedule makeSchedule(const Plan& plan, const std::vector<bool>& available,
+                      TilesAtOnce tilesAtOnce);
 
 } // namespace orvane

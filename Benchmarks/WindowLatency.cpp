@@ -1,10 +1,11 @@
-// window-latency PICTURE EDIT.json [WIDTH HEIGHT]: how soon a change is on the canvas, and how long
-// the window is busy at a time while a slider is dragged. Offscreen, so without the time that a
-// desktop takes to show what was painted.
+// window-latency PICTURE EDIT.json [WIDTH HEIGHT [sliders]]: how soon a change is on the canvas,
+// and how long the window is busy at a time while a slider is dragged. Offscreen, so without the
+// time that a desktop takes to show what was painted.
 
 #include "AppModel.h"
 #include "BenchmarkInputs.h"
 #include "CIPreviewView.h"
+#include "Schema.h"
 #include "ScriptedDesktop.h"
 
 #include <QApplication>
@@ -105,6 +106,30 @@ void printChanges(Window& window)
                 median(first), median(finished), drafts, changes);
 }
 
+/// Each slider of the panel, changed while the window rests.
+void printSliders(Window& window)
+{
+    std::printf("  %-22s %9s %12s\n", "a change of", "first ms", "finished ms");
+    for (const auto& group : Schema::groups()) {
+        for (const Schema::File::Key& slider : group.keys) {
+            std::vector<double> first;
+            std::vector<double> finished;
+            const double middle = (slider.min + slider.max) / 2;
+            for (int i = 1; i <= 3; ++i) {
+                window.begin();
+                window.model.setAdjust(slider.key,
+                                       middle + (slider.max - middle) * (i + 0.37) / 10);
+                window.waitForFinished();
+                first.push_back(window.first);
+                finished.push_back(*window.finished);
+            }
+            std::printf("  %-22s %9.0f %12.0f\n", slider.key.c_str(), median(first),
+                        median(finished));
+            std::fflush(stdout);
+        }
+    }
+}
+
 void printDrag(Window& window)
 {
     window.begin();
@@ -132,8 +157,8 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    if (argc != 3 && argc != 5) {
-        std::fprintf(stderr, "window-latency PICTURE EDIT.json [WIDTH HEIGHT]\n");
+    if (argc != 3 && argc != 5 && argc != 6) {
+        std::fprintf(stderr, "window-latency PICTURE EDIT.json [WIDTH HEIGHT [sliders]]\n");
         return 2;
     }
     const Result<CIImage> picture = readPicture(argv[1]);
@@ -142,8 +167,8 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s\n", (picture ? edit.error() : picture.error()).message.c_str());
         return 1;
     }
-    Window window(argc == 5 ? QSize(QString(argv[3]).toInt(), QString(argv[4]).toInt())
-                            : QSize(1040, 740));
+    Window window(argc > 3 ? QSize(QString(argv[3]).toInt(), QString(argv[4]).toInt())
+                           : QSize(1040, 740));
     window.begin();
     window.model.sourceImage = *picture;
     window.model.sourceImageVersion = 1;
@@ -154,7 +179,11 @@ int main(int argc, char** argv)
     window.model.restore(*edit);
     window.waitForFinished();
     std::printf("  the edit, first of all: %.0f ms\n", *window.finished);
-    printChanges(window);
-    printDrag(window);
+    if (argc == 6) {
+        printSliders(window);
+    } else {
+        printChanges(window);
+        printDrag(window);
+    }
     return 0;
 }

@@ -47,8 +47,6 @@ constexpr int defaultTileWidth = 512;
 constexpr int defaultTileHeight = 64;
 constexpr int coarsestFromPixels = 8;
 /// In cells.
-constexpr int cellTilesAcross = 4;
-constexpr int narrowestCellTile = 64;
 constexpr int keptBlurTileHeight = 128;
 /// Floats of one plane that a tile's widest step may hold; above it tiles shrink.
 constexpr double widestStep = 4.0 * defaultTileWidth * defaultTileHeight;
@@ -486,21 +484,13 @@ private:
             return;
         // From here on in cells: as many rows at a time as the full grid's tiles are high.
         const bool fromCells = target->averages >= 0;
-        pass.tileWidth = fromCells ? cellTileWidth(pass.region.width())
-                                   : std::max(1, pass.tileWidth / target->factor);
+        pass.tileWidth =
+            fromCells ? defaultTileWidth : std::max(1, pass.tileWidth / target->factor);
         pass.tileHeight = std::max(1, pass.tileHeight / target->factor);
         // Where all rows are in memory anyway: low tiles sum most rows across twice.
         const bool kept = m_intermediates == Intermediates::Kept;
         if (kept && target->form == StoredPlan::Form::ReducedBlur && tileHeight == 0)
             pass.tileHeight = std::max(pass.tileHeight, keptBlurTileHeight);
-    }
-
-    /// Some tiles side by side, for the workers to share: there may be only a few rows of cells at
-    /// a time.
-    static int cellTileWidth(int regionWidth)
-    {
-        return std::clamp((regionWidth / cellTilesAcross + 15) / 16 * 16, narrowestCellTile,
-                          defaultTileWidth);
     }
 
     void fitTiles(PlanPass& pass, const StoredPlan* target) const

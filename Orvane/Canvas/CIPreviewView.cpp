@@ -184,7 +184,9 @@ void CIPreviewView::paintPicture(QPainter& painter, const QRegion& exposed)
     QRegion onDevice;
     for (const QRect& rect : exposed)
         onDevice += toDevice.mapRect(QRectF(rect)).toAlignedRect();
-    for (const QRect& rect : onDevice - target)
+    // What is transparent, such as the corners of a straightened picture, shows what lies around.
+    const bool isSolid = !m_picture.picture().hasAlphaChannel();
+    for (const QRect& rect : isSolid ? onDevice - target : onDevice)
         painter.fillRect(rect, Theme::surround);
     m_picture.draw(painter, target, onDevice);
     painter.restore();

@@ -1,6 +1,7 @@
 #include "CIPreviewView.h"
 
 #include "CanvasTesting.h"
+#include "Theme.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -158,6 +159,19 @@ TEST_F(CIPreviewViewTest, ShowsTheEditAndWithoutItsGradeWhileComparing)
     model->sourceImageVersion = model->sourceImageVersion + 1;
     settle();
     EXPECT_FALSE(view->mapping().hasFrame()) << "an empty session shows nothing";
+}
+
+TEST_F(CIPreviewViewTest, TransparentCornersShowTheSurroundAndNothingFromBefore)
+{
+    show(plainPicture(400, 400), {400, 400});
+    model->rotation = 20;
+    waitFor([&] { return view->mapping().frame.width > 400; });
+    settle();
+    QImage screen(view->size(), QImage::Format_RGB32);
+    screen.fill(Qt::white); // as if left by another picture
+    view->render(&screen, {}, {}, {}); // and as on screen without a background of its own
+    EXPECT_EQ(screen.pixelColor(3, 3), Theme::surround);
+    EXPECT_EQ(screen.pixelColor(200, 200).green(), 128);
 }
 
 /// Every stage that a draft could leave intermediates of. Each call makes another source.

@@ -9,60 +9,35 @@ namespace orvane {
 
 namespace {
 
-/// One band at the sink, one waiting, one being drawn.
-constexpr size_t bandsAhead = 3;
+/// One band at the sink, one waiting, two being drawn.
+constexpr size_t bandsAhead = 4;
 
 } // namespace
 
-BandWriter::BandWriter(const PixelRect& rect, ThreadPool& pool, RowSink& sink)
+BandWriter::BandWriter(const PixelRect& rect, RowSink& sink)
     : m_rect(rect)
-    , m_pool(pool)
     , m_sink(sink)
     , m_format(sink.format())
     , m_rowBytes(size_t(rect.width()) * size_t(bytesPerPixel(m_format)))
-    , m_job([this](int) { return writeNext(); })
-    , m_running(pool.start(m_job))
 {
 }
 
-BandWriter::~BandWriter()
-{
-    if (!m_running)
-        return;
-    stop();
-    try {
-        m_pool.finish(*m_running);
-    } catch (...) {
-        // The draw that this belongs to is failing already.
-    }
-}
-
-void BandWriter::stop()
-{
-    {
-        const std::lock_guard lock(m_mutex);
-        m_stopped = true;
-    }
-    m_pool.notify();
-}
-
-bool BandWriter::hasRoom()
-{
-    const std::lock_guard lock(m_mutex);
-    return m_stopped || m_bands.size() < bandsAhead;
-}
-
-bool BandWriter::stopped()
+bool BandWriter::stopped() const
 {
     const std::lock_guard lock(m_mutex);
     return m_stopped;
 }
 
+Result<void> BandWriter::result() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_result;
+}
+
 bool BandWriter::begin(const PixelRect& rows)
 {
-    m_pool.help(*m_running, [this] { return hasRoom(); });
     const std::lock_guard lock(m_mutex);
-    if (m_stopped)
+    if (m_stopped || m_bands.size() == bandsAhead)
         return false;
     Band band;
     band.rect = rows;
@@ -72,13 +47,19 @@ bool BandWriter::begin(const PixelRect& rows)
     }
     band.pixels.resize(m_rowBytes * size_t(rows.height()));
     m_bands.push_back(std::move(band));
-    m_drawing = &m_bands.back();
     return true;
 }
 
-void BandWriter::narrow(const TilePlanes& planes, const PixelRect& tile)
+BandWriter::Band& BandWriter::bandOf(const PixelRect& rows)
 {
-    Band& band = *m_drawing;
+    const std::lock_guard lock(m_mutex);
+    return *std::find_if(m_bands.begin(), m_bands.end(),
+                         [&](const Band& band) { return band.rect.contains(rows); });
+}
+
+void BandWriter::take(const TilePlanes& planes, const PixelRect& tile)
+{
+    Band& band = bandOf(tile);
     const size_t left = size_t(tile.x0 - m_rect.x0) * size_t(bytesPerPixel(m_format));
     for (int y = tile.y0; y < tile.y1; ++y) {
         const float* rows[4];
@@ -89,13 +70,11 @@ void BandWriter::narrow(const TilePlanes& planes, const PixelRect& tile)
     }
 }
 
-void BandWriter::end()
+void BandWriter::end(const PixelRect& rows)
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_drawing->complete = true;
-    }
-    m_pool.notify();
+    Band& band = bandOf(rows);
+    const std::lock_guard lock(m_mutex);
+    band.complete = true;
 }
 
 ThreadPool::Step BandWriter::writeNext()
@@ -109,15 +88,8 @@ ThreadPool::Step BandWriter::writeNext()
     Band& band = m_bands.front();
     lock.unlock();
     const auto start = std::chrono::steady_clock::now();
-    Result<void> written;
-    try {
-        written = m_sink.writeRows(band.pixels.data(), band.rect.height(), m_rowBytes);
-    } catch (...) {
-        lock.lock();
-        m_writing = false;
-        m_stopped = true;
-        throw;
-    }
+    // What it throws ends the job.
+    Result<void> written = m_sink.writeRows(band.pixels.data(), band.rect.height(), m_rowBytes);
     const std::chrono::duration<double, std::milli> spent =
         std::chrono::steady_clock::now() - start;
     lock.lock();
@@ -130,13 +102,6 @@ ThreadPool::Step BandWriter::writeNext()
         m_result = std::move(written);
     m_stopped = m_stopped || last || !m_result.ok();
     return m_stopped ? ThreadPool::Step::Finished : ThreadPool::Step::Worked;
-}
-
-Result<void> BandWriter::finish()
-{
-    const std::shared_ptr<ThreadPool::Running> running = std::move(m_running);
-    m_pool.finish(*running);
-    return m_result;
 }
 
 } // namespace orvane

@@ -39,7 +39,7 @@ struct PassStatistics {
     std::string operations; ///< in the order of drawing
     double megapixels = 0; ///< drawn; of a reduced blur, cells
     double storedMegabytes = 0; ///< of the window that it draws into
-    double milliseconds = 0; ///< wall time, all workers together
+    double milliseconds = 0; ///< of all workers, summed
 };
 
 /// What one draw did: for tests, benchmarks and the curious.

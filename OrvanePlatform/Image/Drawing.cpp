@@ -5,9 +5,7 @@
 #include "ReducedBlur.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <random>
 
 namespace orvane {
 
@@ -26,22 +24,6 @@ TilesAtOnce tilesAtOnce(int workers, bool kept)
         return {.pixels = workers * tilesOfKept, .cells = workers * tilesOfKept};
     // Rows of cells are little work, and stand for many rows of pixels to be held.
     return {.pixels = workers * tilesForEachWorker, .cells = 1};
-}
-
-/// Tiles of a region in rows from the top, or shuffled.
-std::vector<PixelRect> tilesOf(const PixelRect& region, int width, int height, uint64_t seed)
-{
-    std::vector<PixelRect> tiles;
-    for (int y = region.y1; y > region.y0; y -= height) {
-        for (int x = region.x0; x < region.x1; x += width)
-            tiles.push_back(
-                {x, std::max(y - height, region.y0), std::min(x + width, region.x1), y});
-    }
-    if (seed != 0) {
-        std::mt19937_64 random(seed);
-        std::shuffle(tiles.begin(), tiles.end(), random);
-    }
-    return tiles;
 }
 
 std::string operationName(const Node& node)
@@ -86,22 +68,22 @@ std::string operationNames(const Plan& plan, const PlanPass& pass)
 } // namespace
 
 Drawing::Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
-                 const DrawOptions& options, const CIContext::Options& settings, ThreadPool& pool,
-                 IntermediateCache& cache, std::vector<TileArena> arenas)
+                 const DrawOptions& options, const CIContext::Options& settings,
+                 IntermediateCache& cache, std::vector<TileArena> arenas, PictureTarget& target)
     : m_plan(makePlan(root, rect, settings.tileWidth, settings.tileHeight,
                       options.keepIntermediates ? Intermediates::Kept : Intermediates::Freed))
     , m_format(format)
     , m_options(options)
-    , m_settings(settings)
-    , m_pool(pool)
     , m_cache(cache)
+    , m_target(target)
     , m_stored(m_plan.stored.size())
     , m_keys(m_plan.stored.size())
     , m_passes(m_plan.passes.size())
     , m_arenas(std::move(arenas))
+    , m_queue(m_plan, m_schedule, int(m_arenas.size()), settings.shuffleSeed)
 {
-    m_schedule =
-        makeSchedule(m_plan, findKept(), tilesAtOnce(pool.slots(), options.keepIntermediates));
+    m_schedule = makeSchedule(m_plan, findKept(),
+                              tilesAtOnce(int(m_arenas.size()), options.keepIntermediates));
 }
 
 bool Drawing::cancelled() const
@@ -109,9 +91,9 @@ bool Drawing::cancelled() const
     return m_options.cancellation && m_options.cancellation->isCancelled();
 }
 
-bool Drawing::drawsPicture(const ScheduledRows& rows) const
+const PlanPass& Drawing::passOf(size_t step) const
 {
-    return m_plan.passes[size_t(rows.pass)].target < 0;
+    return m_plan.passes[size_t(m_schedule.steps[step].pass)];
 }
 
 /// What a stored image's samples follow from: its recipe, and which of the images it was drawn from
@@ -206,11 +188,13 @@ TileEvaluator& Drawing::evaluator(const PlanPass& pass, int slot)
     return *evaluator;
 }
 
-void Drawing::drawTile(const PlanPass& pass, int slot, const PixelRect& tile,
-                       const TiledRenderer::TileTarget& target)
+void Drawing::drawTile(const PlanPass& pass, int slot, const PixelRect& tile)
 {
     if (pass.target < 0)
-        return evaluator(pass, slot).draw(tile, target);
+        return evaluator(pass, slot)
+            .draw(tile, [&](const TilePlanes& planes, const PixelRect& rows) {
+                m_target.take(planes, rows);
+            });
     const StoredPlan& planned = m_plan.stored[size_t(pass.target)];
     StoredImage* image = m_stored[size_t(pass.target)].get();
     TileArena& arena = m_arenas[size_t(slot)];
@@ -257,15 +241,20 @@ void Drawing::averageTile(const PlanPass& pass, int slot, const PixelRect& tile)
     averager.finish();
 }
 
-bool Drawing::drawRows(size_t step, const TiledRenderer::TileTarget& target)
+/// Makes what the next step draws with and into. False where it must wait.
+bool Drawing::openNext()
 {
-    const ScheduledRows& rows = m_schedule.steps[step];
-    const PlanPass& pass = m_plan.passes[size_t(rows.pass)];
+    const auto next = m_queue.toOpen();
+    if (!next)
+        return false;
+    const ScheduledRows& rows = m_schedule.steps[*next];
+    const PlanPass& pass = passOf(*next);
+    if (pass.target < 0 && !m_target.begin(rows.rect))
+        return false;
     Pass& own = m_passes[size_t(rows.pass)];
-    const auto start = std::chrono::steady_clock::now();
     if (!own.tables) {
         own.tables = std::make_unique<PassTables>(makePassTables(m_plan, pass));
-        own.evaluators.resize(size_t(m_pool.slots()));
+        own.evaluators.resize(m_arenas.size());
         const bool blur =
             pass.target >= 0 && m_plan.stored[size_t(pass.target)].form == Form::ReducedBlur;
         m_statistics.passes += !blur;
@@ -274,25 +263,45 @@ bool Drawing::drawRows(size_t step, const TiledRenderer::TileTarget& target)
         allocate(size_t(pass.target));
         own.storedMegabytes = double(m_stored[size_t(pass.target)]->byteSize()) / 1e6;
     }
-    const auto tiles = tilesOf(rows.rect, pass.tileWidth, pass.tileHeight, m_settings.shuffleSeed);
-    std::atomic<size_t> next = 0;
-    m_pool.run([&](int slot) {
-        const size_t index = next.fetch_add(1);
-        if (index >= tiles.size() || cancelled())
-            return ThreadPool::Step::Finished;
-        try {
-            drawTile(pass, slot, tiles[index], target);
-        } catch (const DrawCancelled&) {
-            return ThreadPool::Step::Finished;
-        }
-        return ThreadPool::Step::Worked;
-    });
+    m_queue.open();
+    return true;
+}
+
+ThreadPool::Step Drawing::work(int worker)
+{
+    std::unique_lock lock(m_mutex);
     if (cancelled())
-        return false;
-    own.milliseconds +=
-        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-    own.megapixels += rows.rect.area() / 1e6;
-    if (pass.target >= 0 && rows.rect.y0 == pass.region.y0) {
+        return ThreadPool::Step::Finished;
+    auto tile = m_queue.take(worker);
+    while (!tile && openNext())
+        tile = m_queue.take(worker);
+    if (!tile)
+        return m_queue.complete() ? ThreadPool::Step::Finished : ThreadPool::Step::Waiting;
+    lock.unlock();
+    const auto start = std::chrono::steady_clock::now();
+    try {
+        drawTile(passOf(tile->step), worker, tile->rect);
+    } catch (const DrawCancelled&) {
+        return ThreadPool::Step::Finished;
+    }
+    const std::chrono::duration<double, std::milli> spent =
+        std::chrono::steady_clock::now() - start;
+    lock.lock();
+    Pass& own = m_passes[size_t(m_schedule.steps[tile->step].pass)];
+    own.milliseconds += spent.count();
+    own.megapixels += tile->rect.area() / 1e6;
+    for (const size_t step : m_queue.finished(*tile))
+        complete(step);
+    return ThreadPool::Step::Worked;
+}
+
+void Drawing::complete(size_t step)
+{
+    const ScheduledRows& rows = m_schedule.steps[step];
+    const PlanPass& pass = passOf(step);
+    if (pass.target < 0) {
+        m_target.end(rows.rect);
+    } else if (rows.rect.y0 == pass.region.y0) {
         const auto stored = size_t(pass.target);
         if (m_plan.stored[stored].form == Form::Histogram)
             settleHistogram(pass);
@@ -300,7 +309,6 @@ bool Drawing::drawRows(size_t step, const TiledRenderer::TileTarget& target)
             m_cache.keep(key(stored), role(stored), m_stored[stored]);
     }
     release(step);
-    return true;
 }
 
 void Drawing::count(const HistogramNode& histogram, const TilePlanes& planes, const PixelRect& tile)

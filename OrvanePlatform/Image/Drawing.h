@@ -4,8 +4,9 @@
 #include "Planner.h"
 #include "Schedule.h"
 #include "StoredImage.h"
+#include "ThreadPool.h"
 #include "TileEvaluator.h"
-#include "TiledRenderer.h"
+#include "TileQueue.h"
 
 #include <chrono>
 #include <memory>
@@ -15,18 +16,32 @@
 
 namespace orvane {
 
-/// One draw on its way: its plan, the images between its passes, and each worker's scratch memory.
+/// Takes the picture as it is drawn. Rows come from the top; of two bands side by side both may be
+/// under way.
+class PictureTarget {
+public:
+    virtual ~PictureTarget() = default;
+    /// Rows are about to be drawn. False: not now.
+    virtual bool begin(const PixelRect& rows) = 0;
+    /// A finished tile of such rows: planes that cover it. Called from several threads at once.
+    virtual void take(const TilePlanes& planes, const PixelRect& tile) = 0;
+    /// All tiles of the rows have been taken.
+    virtual void end(const PixelRect& rows) = 0;
+};
+
+/// One draw on its way: its plan, the images between its passes, and each worker's scratch memory:
+/// one for each arena.
 class Drawing {
 public:
     Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
-            const DrawOptions& options, const CIContext::Options& settings, ThreadPool& pool,
-            IntermediateCache& cache, std::vector<TileArena> arenas);
+            const DrawOptions& options, const CIContext::Options& settings,
+            IntermediateCache& cache, std::vector<TileArena> arenas, PictureTarget& target);
 
-    const std::vector<ScheduledRows>& steps() const { return m_schedule.steps; }
-    bool drawsPicture(const ScheduledRows& rows) const;
-    /// One step of the schedule; `target` takes the tiles of the picture itself. False when
-    /// cancelled.
-    bool drawRows(size_t step, const TiledRenderer::TileTarget& target);
+    /// Draws one tile. Finished: everything is drawn, or the draw was cancelled. From several
+    /// threads at once.
+    ThreadPool::Step work(int worker);
+    bool cancelled() const;
+    bool isComplete() const { return m_queue.complete(); }
     /// The scratch memory, for another draw; this one draws nothing any more.
     std::vector<TileArena> takeArenas() { return std::move(m_arenas); }
     /// Fills the statistics that were asked for.
@@ -41,14 +56,15 @@ private:
         double storedMegabytes = 0;
     };
 
-    bool cancelled() const;
+    const PlanPass& passOf(size_t step) const;
+    bool openNext();
+    void complete(size_t step);
     const Digest& key(size_t stored);
     Digest role(size_t stored) const;
     std::vector<bool> findKept();
     void allocate(size_t stored);
     void release(size_t step);
-    void drawTile(const PlanPass& pass, int slot, const PixelRect& tile,
-                  const TiledRenderer::TileTarget& target);
+    void drawTile(const PlanPass& pass, int slot, const PixelRect& tile);
     void averageTile(const PlanPass& pass, int slot, const PixelRect& tile);
     TileEvaluator& evaluator(const PlanPass& pass, int slot);
     void count(const HistogramNode& histogram, const TilePlanes& planes, const PixelRect& tile);
@@ -58,13 +74,14 @@ private:
     Schedule m_schedule;
     StoredFormat m_format;
     const DrawOptions& m_options;
-    const CIContext::Options& m_settings;
-    ThreadPool& m_pool;
     IntermediateCache& m_cache;
+    PictureTarget& m_target;
     std::vector<std::shared_ptr<StoredImage>> m_stored;
     std::vector<std::optional<Digest>> m_keys; ///< by stored image, as they are asked for
     std::vector<Pass> m_passes;
     std::vector<TileArena> m_arenas; ///< by worker
+    std::mutex m_mutex; ///< of what is not a tile's own
+    TileQueue m_queue;
     std::mutex m_countsMutex;
     std::vector<uint64_t> m_counts; ///< of the histogram being drawn
     size_t m_storedBytes = 0;

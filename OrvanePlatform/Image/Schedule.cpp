@@ -44,6 +44,12 @@ private:
         int upTo = 0; ///< one past the highest row it reads or draws
     };
 
+    /// Whether an earlier step may still be drawn when a later one begins.
+    static bool isUnderWay(const Use& earlier, const Use& later)
+    {
+        return later.step - earlier.step < int(Schedule::stepsAtOnce);
+    }
+
     int rowsAtOnce(const PlanPass& pass) const
     {
         const bool cells = pass.target >= 0 && m_plan.stored[size_t(pass.target)].factor > 1;
@@ -94,8 +100,11 @@ private:
             int upTo = std::numeric_limits<int>::min();
             for (size_t n = m_uses[i].size(); n-- > 0;) {
                 const Use& use = m_uses[i][n];
-                // The rows from the lowest one drawn to the highest one that is still used.
+                // The rows from the lowest one drawn to the highest one that is still used, be it
+                // by a step that has yet to end.
                 upTo = std::max(upTo, use.upTo);
+                for (size_t b = n; b-- > 0 && isUnderWay(m_uses[i][b], use);)
+                    upTo = std::max(upTo, m_uses[i][b].upTo);
                 image.rows = std::max(image.rows, upTo - use.drawnTo);
                 image.lastStep = std::max(image.lastStep, use.step);
             }

@@ -21,6 +21,9 @@ struct ScheduledRows {
 /// is still in the processor's cache. A reader that jumps about, such as a quarter turn of a stored
 /// image, makes the window as high as it needs: in the worst case the whole image.
 struct Schedule {
+    /// Steps side by side may be drawn at the same time, where they do not read one another.
+    static constexpr size_t stepsAtOnce = 2;
+
     struct Image {
         int rows = 0; ///< at most this many are alive at once; 0: not drawn
         int lastStep = -1; ///< after this step nobody reads it

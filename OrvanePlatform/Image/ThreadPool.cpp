@@ -1,7 +1,6 @@
 #include "ThreadPool.h"
 
 #include <algorithm>
-#include <atomic>
 #include <system_error>
 
 namespace orvane {
@@ -78,65 +77,23 @@ void ThreadPool::serve(int slot)
     }
 }
 
-std::shared_ptr<ThreadPool::Running> ThreadPool::start(const Job& job)
-{
-    auto running = std::make_shared<Running>();
-    running->job = &job;
-    {
-        const std::lock_guard lock(m_mutex);
-        m_jobs.push_back(running);
-        ++m_changes;
-    }
-    m_changed.notify_all();
-    return running;
-}
-
-void ThreadPool::help(Running& running, const std::function<bool()>& enough)
-{
-    std::unique_lock lock(m_mutex);
-    while (!running.finished && !enough()) {
-        const uint64_t seen = m_changes;
-        if (doStep(running, 0, lock) == Step::Waiting)
-            m_changed.wait(lock, [&] { return running.finished || m_changes != seen; });
-    }
-}
-
-void ThreadPool::finish(Running& running)
-{
-    help(running, [] { return false; });
-    std::unique_lock lock(m_mutex);
-    m_jobs.erase(std::find_if(m_jobs.begin(), m_jobs.end(),
-                              [&](const auto& job) { return job.get() == &running; }));
-    m_changed.wait(lock, [&] { return running.underWay == 0; });
-    if (running.failure)
-        std::rethrow_exception(running.failure);
-}
-
 void ThreadPool::run(const Job& job)
 {
-    const auto running = start(job);
-    finish(*running);
-}
-
-void ThreadPool::notify()
-{
-    {
-        const std::lock_guard lock(m_mutex);
-        ++m_changes;
-    }
+    const auto running = std::make_shared<Running>();
+    running->job = &job;
+    std::unique_lock lock(m_mutex);
+    m_jobs.push_back(running);
+    ++m_changes;
     m_changed.notify_all();
-}
-
-void ThreadPool::forEach(int count, const std::function<void(int, int)>& body)
-{
-    std::atomic<int> next = 0;
-    run([&](int slot) {
-        const int index = next.fetch_add(1);
-        if (index >= count)
-            return Step::Finished;
-        body(index, slot);
-        return Step::Worked;
-    });
+    while (!running->finished) {
+        const uint64_t seen = m_changes;
+        if (doStep(*running, 0, lock) == Step::Waiting)
+            m_changed.wait(lock, [&] { return running->finished || m_changes != seen; });
+    }
+    m_jobs.erase(std::find(m_jobs.begin(), m_jobs.end(), running));
+    m_changed.wait(lock, [&] { return running->underWay == 0; });
+    if (running->failure)
+        std::rethrow_exception(running->failure);
 }
 
 } // namespace orvane

@@ -37,22 +37,9 @@ public:
     /// throws ends the job and is thrown here.
     void run(const Job& job);
 
-    struct Running;
-    /// Begins a job that the other threads work at whenever newer ones leave them idle. The job
-    /// must outlive it, and `finish` must be called.
-    std::shared_ptr<Running> start(const Job& job);
-    /// Works at a started job until `enough` says so or it has finished. `enough` is asked after
-    /// steps of this pool; it must not call back into it.
-    void help(Running& running, const std::function<bool()>& enough);
-    /// To a started job's end, as `run`.
-    void finish(Running& running);
-    /// Has those who wait look again, after something outside of any step gave a job more to do.
-    void notify();
-
-    /// body(index, slot) for every index below count, handed out in order.
-    void forEach(int count, const std::function<void(int, int)>& body);
-
 private:
+    struct Running;
+
     Step doStep(Running& running, int slot, std::unique_lock<std::mutex>& lock);
     void serve(int slot);
 

@@ -5,6 +5,25 @@
 
 namespace orvane {
 
+namespace {
+
+/// A target that takes tiles as they come.
+class Tiles : public PictureTarget {
+public:
+    explicit Tiles(const TiledRenderer::TileTarget& target)
+        : m_target(target)
+    {
+    }
+    bool begin(const PixelRect&) override { return true; }
+    void take(const TilePlanes& planes, const PixelRect& tile) override { m_target(planes, tile); }
+    void end(const PixelRect&) override { }
+
+private:
+    const TiledRenderer::TileTarget& m_target;
+};
+
+} // namespace
+
 std::vector<TileArena> TiledRenderer::arenas() const
 {
     std::vector<TileArena> own;
@@ -25,37 +44,33 @@ void TiledRenderer::leave(std::vector<TileArena> arenas) const
 bool TiledRenderer::draw(const Node& root, const PixelRect& rect, StoredFormat format,
                          const DrawOptions& options, const TileTarget& target) const
 {
-    Drawing drawing(root, rect, format, options, m_settings, m_pool, m_cache, arenas());
-    bool going = true;
-    for (size_t step = 0; going && step < drawing.steps().size(); ++step)
-        going = drawing.drawRows(step, target);
+    Tiles tiles(target);
+    Drawing drawing(root, rect, format, options, m_settings, m_cache, arenas(), tiles);
+    m_pool.run([&](int worker) { return drawing.work(worker); });
     drawing.report(0);
     if (options.keepIntermediates)
         leave(drawing.takeArenas());
-    return going;
+    return drawing.isComplete();
 }
 
 Result<void> TiledRenderer::draw(const Node& root, const PixelRect& rect, StoredFormat format,
                                  const DrawOptions& options, RowSink& sink) const
 {
-    Drawing drawing(root, rect, format, options, m_settings, m_pool, m_cache, arenas());
-    BandWriter bands(rect, m_pool, sink);
-    const TileTarget narrow = [&](const TilePlanes& planes, const PixelRect& tile) {
-        bands.narrow(planes, tile);
-    };
-    for (size_t step = 0; step < drawing.steps().size(); ++step) {
-        const ScheduledRows& rows = drawing.steps()[step];
-        const bool picture = drawing.drawsPicture(rows);
-        if (picture ? !bands.begin(rows.rect) : bands.stopped())
-            break;
-        if (!drawing.drawRows(step, narrow))
-            return Error{"Cancelled."};
-        if (picture)
-            bands.end();
-    }
-    Result<void> written = bands.finish();
+    BandWriter bands(rect, sink);
+    Drawing drawing(root, rect, format, options, m_settings, m_cache, arenas(), bands);
+    // Writing comes first: bands are written one after the other, tiles drawn by all the rest.
+    m_pool.run([&](int worker) {
+        const ThreadPool::Step written = bands.writeNext();
+        if (written != ThreadPool::Step::Waiting)
+            return written;
+        const ThreadPool::Step drawn = drawing.work(worker);
+        const bool toBeWritten = drawn == ThreadPool::Step::Finished && !drawing.cancelled();
+        return toBeWritten ? ThreadPool::Step::Waiting : drawn;
+    });
     drawing.report(bands.sinkMilliseconds());
-    return written;
+    if (!bands.stopped())
+        return Error{"Cancelled."};
+    return bands.result();
 }
 
 } // namespace orvane

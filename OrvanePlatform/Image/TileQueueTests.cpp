@@ -1,0 +1,178 @@
+// Workers that take tiles in any order find what they read, in windows that others go on writing.
+
+#include "Bitmap.h"
+#include "CIImage.h"
+#include "Filters/CIFilter.h"
+#include "Node.h"
+#include "TileQueue.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <set>
+
+namespace orvane {
+namespace {
+
+/// A stored image's window as its readers find it: which row lies in each place, and which of its
+/// samples are drawn.
+class Window {
+public:
+    Window(const PixelRect& region, int rows)
+        : m_region(region)
+        , m_places(size_t(rows))
+    {
+    }
+
+    void beginWriting(const PixelRect& rect)
+    {
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            Place& place = at(y);
+            if (place.row != y)
+                place = {y, std::vector<bool>(size_t(m_region.width()), false)};
+        }
+    }
+    void endWriting(const PixelRect& rect)
+    {
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            ASSERT_EQ(at(y).row, y) << "written over while it was being drawn";
+            std::fill_n(at(y).drawn.begin() + (rect.x0 - m_region.x0), rect.width(), true);
+        }
+    }
+    bool holds(const PixelRect& rect)
+    {
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            const Place& place = at(y);
+            const auto first = place.drawn.begin() + (rect.x0 - m_region.x0);
+            if (place.row != y
+                || std::find(first, first + rect.width(), false) != first + rect.width())
+                return false;
+        }
+        return true;
+    }
+
+private:
+    struct Place {
+        int row = std::numeric_limits<int>::min();
+        std::vector<bool> drawn;
+    };
+    Place& at(int y) { return m_places[size_t(y - m_region.y0) % m_places.size()]; }
+
+    PixelRect m_region;
+    std::vector<Place> m_places;
+};
+
+/// Has workers take and finish tiles in a random order.
+class Workshop {
+public:
+    Workshop(const Plan& plan, const Schedule& schedule, uint64_t shuffleSeed)
+        : m_plan(plan)
+        , m_schedule(schedule)
+        , m_queue(plan, schedule, workers, shuffleSeed)
+        , m_areas(plan.passes.size(), 0.0)
+    {
+        for (size_t i = 0; i < plan.stored.size(); ++i)
+            m_windows.emplace_back(plan.stored[i].region, schedule.images[i].rows);
+    }
+
+    void run(unsigned seed)
+    {
+        std::mt19937 random(seed);
+        std::optional<TileQueue::Tile> held[workers];
+        // More turns than there are tiles, by far: who never gets on is stuck.
+        for (int turn = 0; turn < 100'000 && !m_queue.complete(); ++turn) {
+            const int worker = int(random() % workers);
+            auto& tile = held[worker];
+            if (tile) {
+                finish(*tile);
+                tile.reset();
+            } else {
+                tile = m_queue.take(worker);
+                for (; !tile && m_queue.toOpen(); tile = m_queue.take(worker))
+                    m_queue.open();
+                if (tile)
+                    begin(*tile);
+            }
+            std::set<size_t> steps;
+            for (const auto& one : held) {
+                if (one)
+                    steps.insert(one->step);
+            }
+            m_overlaps += steps.size() > 1;
+        }
+        EXPECT_TRUE(m_queue.complete());
+        for (size_t p = 0; p < m_areas.size(); ++p)
+            EXPECT_EQ(m_areas[p], m_plan.passes[p].region.area()) << "pass " << p;
+        EXPECT_GT(m_overlaps, 0) << "no step was begun before the one ahead of it was complete";
+    }
+
+private:
+    static constexpr int workers = 3;
+
+    const PlanPass& passOf(const TileQueue::Tile& tile) const
+    {
+        return m_plan.passes[size_t(m_schedule.steps[tile.step].pass)];
+    }
+    void expectReads(const TileQueue::Tile& tile)
+    {
+        for (const StoredRead& read : storedReads(m_plan, passOf(tile), tile.rect)) {
+            EXPECT_TRUE(m_windows[size_t(read.stored)].holds(read.rect))
+                << "step " << tile.step << " reads " << read.stored;
+        }
+    }
+    void begin(const TileQueue::Tile& tile)
+    {
+        expectReads(tile);
+        if (Window* window = windowOf(tile))
+            window->beginWriting(tile.rect);
+    }
+    void finish(const TileQueue::Tile& tile)
+    {
+        expectReads(tile); // nobody has written over it meanwhile
+        if (Window* window = windowOf(tile))
+            window->endWriting(tile.rect);
+        m_areas[size_t(m_schedule.steps[tile.step].pass)] += tile.rect.area();
+        for (const size_t step : m_queue.finished(tile))
+            EXPECT_EQ(step, m_completed++);
+    }
+    Window* windowOf(const TileQueue::Tile& tile)
+    {
+        const int target = passOf(tile).target;
+        return target < 0 ? nullptr : &m_windows[size_t(target)];
+    }
+
+    const Plan& m_plan;
+    const Schedule& m_schedule;
+    TileQueue m_queue;
+    std::vector<Window> m_windows;
+    std::vector<double> m_areas;
+    size_t m_completed = 0;
+    int m_overlaps = 0;
+};
+
+TEST(TileQueue, EveryTileFindsWhatItReadsWhoeverIsSlow)
+{
+    const CIImage source =
+        CIImage::withBitmap(std::make_shared<Bitmap>(700, 900, 3, SampleType::U8, AlphaKind::None));
+    CIImage image = source.transformed(CGAffineTransform::rotation(-0.05));
+    image = image.compositedOver(CIFilter::gaussianBlur(source.clampedToExtent(), 21))
+                .cropped(image.extent());
+    image = CIFilter::unsharpMask(image, 23, 0.5);
+    image = CIFilter::noiseReduction(image, 0.04);
+    image = CIFilter::unsharpMask(image, 5, 0.8);
+    const CIImage bloomed = CIFilter::bloom(image, 17, 0.3);
+    const CIImage turned = image.oriented(3).cropped({0, 0, 500, 500});
+    const CIImage last = CIFilter::maximumCompositing(bloomed, turned).cropped(image.extent());
+    const PixelRect rect = last.node()->extent.rect;
+    for (const int side : {0, 48}) {
+        const Plan plan = makePlan(*last.node(), rect, side, side);
+        const std::vector<bool> nothingKept(plan.stored.size(), false);
+        const Schedule schedule = makeSchedule(plan, nothingKept, {.pixels = 3, .cells = 1});
+        for (unsigned seed = 1; seed <= 8; ++seed)
+            Workshop(plan, schedule, seed % 2 ? 0 : seed).run(seed);
+    }
+}
+
+} // namespace
+} // namespace orvane

@@ -3,6 +3,8 @@
 #include "RowSums.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <type_traits>
 
 namespace orvane {
 
@@ -38,104 +40,140 @@ void CellAverager::takeMemory()
     const auto rows = [&](int width, int count) {
         return m_arena.planes({0, 0, width + rowSlack, count}, m_channels == 3);
     };
-    m_padded = rows(m_wanted.width(), 1);
+    int width = m_wanted.width();
     for (size_t i = 0; i < m_levels.size(); ++i) {
         Level& level = m_levels[i];
         level.cells = finerCells(m_cells, int(m_levels.size() - 1 - i));
-        level.rows = rows(level.cells.width(), rowsOfCell);
-        level.result = rows(level.cells.width(), 1);
+        level.rows = rows(width, rowsOfCell);
+        level.sums = rows(width, 1);
+        width = level.cells.width();
+        level.result = rows(width, 1);
     }
 }
 
 /// A row with what lies beside the pixels that there are; all of these may lie to one side of it.
-CellAverager::Rows CellAverager::paddedRow(const TilePlanes& planes, int y) const
+void CellAverager::pad(const TilePlanes& planes, int y, int channel, float* to) const
 {
     const int width = m_wanted.width();
     const int first = std::clamp(m_held.x0 - m_wanted.x0, 0, width);
     const int end = std::clamp(m_held.x1 - m_wanted.x0, first, width);
     const bool repeated = m_edges == CoarseEdges::Repeated;
-    Rows rows = {};
-    for (int c = 0; c < m_channels; ++c) {
-        const auto pixel = [&](int x) { return planes.plane[c] ? *planes.at(c, x, y) : 1.0f; };
-        float* const to = m_padded.row(c, 0);
-        std::fill(to, to + first, repeated ? pixel(m_held.x0) : 0.0f);
-        if (!planes.plane[c])
-            std::fill(to + first, to + end, 1.0f);
-        else if (end > first)
-            std::copy_n(planes.at(c, m_wanted.x0 + first, y), end - first, to + first);
-        std::fill(to + end, to + width, repeated ? pixel(m_held.x1 - 1) : 0.0f);
-        rows[size_t(c)] = to;
+    const float* const plane = planes.plane[channel];
+    const auto pixel = [&](int x) { return plane ? *planes.at(channel, x, y) : 1.0f; };
+    std::fill(to, to + first, repeated ? pixel(m_held.x0) : 0.0f);
+    if (!plane)
+        std::fill(to + first, to + end, 1.0f);
+    else if (end > first)
+        std::copy_n(planes.at(channel, m_wanted.x0 + first, y), end - first, to + first);
+    std::fill(to + end, to + width, repeated ? pixel(m_held.x1 - 1) : 0.0f);
+}
+
+/// All rows before y that are still to come, alike.
+template <class Fill> void CellAverager::addUpTo(int y, const Fill& fill)
+{
+    if (m_next < y && m_levels.front().rows.stride == 0)
+        takeMemory();
+    for (; m_next < y; ++m_next) {
+        for (int c = 0; c < m_channels; ++c)
+            fill(c, m_levels.front().rows.row(c, place(m_next)));
+        addRow(0, m_next);
     }
-    return rows;
 }
 
 void CellAverager::add(const TilePlanes& planes, const PixelRect& rows)
 {
-    const bool complete = m_held.x0 == m_wanted.x0 && m_held.x1 == m_wanted.x1
-        && (m_channels == 3 || !planes.opaque());
     for (int y = rows.y0; y < rows.y1; ++y) {
-        if (m_padded.stride == 0)
-            takeMemory();
-        if (y == m_held.y0 && m_edges == CoarseEdges::Transparent)
-            addUpTo(y, {});
-        Rows row = {};
-        for (int c = 0; complete && c < m_channels; ++c)
-            row[size_t(c)] = planes.at(c, m_wanted.x0, y);
+        const bool repeated = m_edges == CoarseEdges::Repeated;
+        if (y == m_held.y0 && !repeated)
+            addUpTo(y, [&](int, float* to) { std::fill_n(to, m_wanted.width(), 0.0f); });
         // With repeated edges the outermost rows stand for those beyond them, too.
-        const bool last = y == m_held.y1 - 1 && m_edges == CoarseEdges::Repeated;
-        addUpTo(last ? m_wanted.y1 : y + 1, complete ? row : paddedRow(planes, y));
-    }
-}
-
-void CellAverager::add(StoredImage& finer)
-{
-    for (int y = m_held.y0; y < m_held.y1; ++y) {
-        const PixelRect row{m_held.x0, y, m_held.x1, y + 1};
-        add(*finer.view(row), row);
+        const bool last = y == m_held.y1 - 1 && repeated;
+        addUpTo(last ? m_wanted.y1 : y + 1, [&](int c, float* to) { pad(planes, y, c, to); });
     }
 }
 
 void CellAverager::finish()
 {
-    addUpTo(m_wanted.y1, {});
+    addUpTo(m_wanted.y1, [&](int, float* to) { std::fill_n(to, m_wanted.width(), 0.0f); });
 }
 
-/// All rows before y that are still to come, alike. No planes: zeros.
-void CellAverager::addUpTo(int y, Rows rows)
+bool CellAverager::readsInPlace(const StoredImage& image) const
 {
-    if (m_next >= y)
-        return;
-    if (m_padded.stride == 0)
-        takeMemory();
-    for (int c = 0; !rows[0] && c < m_channels; ++c)
-        std::fill_n(m_padded.row(c, 0), m_wanted.width(), 0.0f);
-    for (int c = 0; c < m_channels; ++c)
-        rows[size_t(c)] = rows[size_t(c)] ? rows[size_t(c)] : m_padded.row(c, 0);
-    for (; m_next < y; ++m_next)
-        addRow(0, m_next, rows);
+    const bool tall =
+        m_edges == CoarseEdges::Repeated || (m_held.y0 == m_wanted.y0 && m_held.y1 == m_wanted.y1);
+    return tall && !m_held.isEmpty() && m_held.x0 == m_wanted.x0 && m_held.x1 == m_wanted.x1
+        && (m_channels == 3 || !image.opaque());
 }
 
-void CellAverager::addRow(size_t index, int y, const Rows& rows)
+void CellAverager::add(const StoredImage& image)
+{
+    if (m_held.isEmpty())
+        return;
+    if (readsInPlace(image))
+        return image.format() == StoredFormat::Half ? addInPlace<uint16_t>(image)
+                                                    : addInPlace<float>(image);
+    takeMemory();
+    const TilePlanes row = m_arena.rowPlanes(m_held, image.opaque());
+    for (int y = m_held.y0; y < m_held.y1; ++y) {
+        image.readRow(y, row);
+        add(row, {m_held.x0, y, m_held.x1, y + 1});
+    }
+}
+
+template <class Sample> void CellAverager::addInPlace(const StoredImage& image)
+{
+    takeMemory();
+    const Level& finest = m_levels.front();
+    const int left = m_wanted.x0 - image.rect().x0;
+    const auto row = [&](int c, int y) {
+        const int held = std::clamp(y, m_held.y0, m_held.y1 - 1);
+        if constexpr (std::is_same_v<Sample, float>)
+            return image.floatRow(c, held) + left;
+        else
+            return image.halfRow(c, held) + left;
+    };
+    for (int j = finest.cells.y0; j < finest.cells.y1; ++j) {
+        const int y = 2 * j - 1;
+        for (int c = 0; c < m_channels; ++c)
+            halveDown({row(c, y), row(c, y + 1), row(c, y + 2), row(c, y + 3)},
+                      {row(c, y + 4), row(c, y + 5)}, finest.sums.row(c, 0), m_wanted.width());
+        addSums(0, j);
+    }
+    m_next = m_wanted.y1;
+}
+
+void CellAverager::addRow(size_t index, int y)
 {
     const Level& level = m_levels[index];
-    const int width = level.cells.width();
-    for (int c = 0; c < m_channels; ++c)
-        halveAcross(rows[size_t(c)], level.rows.row(c, place(y)), width);
     // Cell j is made of rows 2 j - 1 to 2 j + 2.
     const int j = floorDivided(y, 2) - 1;
     if (y != 2 * j + 2 || j < level.cells.y0)
         return;
-    Rows result = {};
+    const int width = index == 0 ? m_wanted.width() : m_levels[index - 1].cells.width();
     for (int c = 0; c < m_channels; ++c) {
         const auto row = [&](int n) { return level.rows.row(c, place(n)); };
-        halveDown({row(y - 3), row(y - 2), row(y - 1), row(y)}, level.result.row(c, 0), width);
-        result[size_t(c)] = level.result.row(c, 0);
+        halveDown({row(y - 3), row(y - 2), row(y - 1), row(y)}, {row(y), row(y)},
+                  level.sums.row(c, 0), width);
     }
-    if (index + 1 < m_levels.size())
-        return addRow(index + 1, j, result);
-    for (int c = 0; c < m_channels; ++c)
-        std::copy_n(result[size_t(c)], width,
-                    m_averages.floatRow(c, j) + (level.cells.x0 - m_averages.rect().x0));
+    addSums(index, j);
+}
+
+/// A level's row j, from the sums of the four rows behind it.
+void CellAverager::addSums(size_t index, int j)
+{
+    const Level& level = m_levels[index];
+    const bool last = index + 1 == m_levels.size();
+    const int width = level.cells.width();
+    for (int c = 0; c < m_channels; ++c) {
+        // Whole vectors go to a row of our own: beside the cells lie another tile's.
+        float* const to = last ? level.result.row(c, 0) : m_levels[index + 1].rows.row(c, place(j));
+        halveAcross(level.sums.row(c, 0), to, width);
+        if (last)
+            std::copy_n(to, width,
+                        m_averages.floatRow(c, j) + (level.cells.x0 - m_averages.rect().x0));
+    }
+    if (!last)
+        addRow(index + 1, j);
 }
 
 } // namespace orvane

@@ -9,9 +9,9 @@
 
 namespace orvane {
 
-/// `cells` of averages, made of rows of a grid finer by some levels as they come: each row is
-/// halved across while it is in the first-level cache, and four of those make one of the next
-/// level, so nothing wider than a few rows of cells is kept.
+/// `cells` of averages, made of rows of a grid finer by some levels: four rows make one of the next
+/// level, which is then halved across, so nothing wider than a few rows is kept. Rows in memory are
+/// read where they lie; others come one after the other.
 class CellAverager {
 public:
     /// held: the pixels, or finer cells, that there are of those behind the cells; beyond it edges
@@ -20,27 +20,28 @@ public:
     CellAverager(const PixelRect& cells, int levels, CoarseEdges edges, const PixelRect& held,
                  StoredImage& averages, TileArena& arena);
 
-    /// Rows of `held`, each once and from the lowest on; they may be read up to 2 rowPadding past
-    /// their end.
+    /// Rows of `held`, each once and from the lowest on.
     void add(const TilePlanes& planes, const PixelRect& rows);
-    /// Rows of `held` of finer averages, all of them.
-    void add(StoredImage& finer);
+    /// Rows of `held` of an image, all of them.
+    void add(const StoredImage& image);
     /// After the last row.
     void finish();
 
 private:
-    /// Rows of a finer grid, halved across: row y at place y mod 4.
     struct Level {
         PixelRect cells;
-        TilePlanes rows;
-        TilePlanes result; ///< one row
+        TilePlanes rows; ///< of the finer grid: row y at place y mod 4
+        TilePlanes sums; ///< one row, four of these summed
+        TilePlanes result; ///< one row, halved across
     };
-    using Rows = std::array<const float*, 4>;
 
     void takeMemory();
-    void addUpTo(int y, Rows rows);
-    void addRow(size_t level, int y, const Rows& rows);
-    Rows paddedRow(const TilePlanes& planes, int y) const;
+    template <class Fill> void addUpTo(int y, const Fill& fill);
+    void addRow(size_t level, int y);
+    void addSums(size_t level, int j);
+    bool readsInPlace(const StoredImage& image) const;
+    template <class Sample> void addInPlace(const StoredImage& image);
+    void pad(const TilePlanes& planes, int y, int channel, float* to) const;
 
     PixelRect m_cells;
     PixelRect m_wanted;
@@ -49,7 +50,6 @@ private:
     int m_channels;
     int m_next; ///< the row of m_wanted to come
     std::vector<Level> m_levels; ///< the finest first
-    TilePlanes m_padded; ///< a row of m_wanted
     StoredImage& m_averages;
     TileArena& m_arena;
 };

@@ -65,6 +65,19 @@ std::string operationNames(const Plan& plan, const PlanPass& pass)
     return names.append("-> ").append(std::to_string(pass.target));
 }
 
+/// The stored image that a pass averages as it is, without drawing anything first; or -1.
+int imageAveraged(const Plan& plan, const PlanPass& pass)
+{
+    const int finer = plan.stored[size_t(pass.target)].averages;
+    if (finer >= 0)
+        return finer;
+    const PlanStep* step = &pass.steps.back();
+    while (step->stored < 0 && step->node->as<CropNode>())
+        step = &pass.steps[size_t(step->inputs.front())];
+    const bool whole = step->stored >= 0 && plan.stored[size_t(step->stored)].form == Form::Whole;
+    return whole ? step->stored : -1;
+}
+
 } // namespace
 
 Drawing::Drawing(const Node& root, const PixelRect& rect, StoredFormat format,
@@ -223,13 +236,14 @@ void Drawing::averageTile(const PlanPass& pass, int slot, const PixelRect& tile)
     StoredImage& image = *m_stored[size_t(pass.target)];
     const CoarseEdges edges = coarseEdges(*planned.node->inputs.front());
     TileArena& arena = m_arenas[size_t(slot)];
-    if (planned.averages >= 0) {
-        const StoredPlan& finer = m_plan.stored[size_t(planned.averages)];
-        const PixelRect cells = storedReads(m_plan, pass, tile).front().rect;
+    const int from = imageAveraged(m_plan, pass);
+    if (from >= 0) {
+        const PixelRect rows = storedReads(m_plan, pass, tile).front().rect;
         arena.reset();
-        CellAverager averager(tile, levelsBetween(finer.factor, planned.factor), edges, cells,
-                              image, arena);
-        averager.add(*m_stored[size_t(planned.averages)]);
+        const int factor = m_plan.stored[size_t(from)].factor;
+        CellAverager averager(tile, levelsBetween(factor, planned.factor), edges, rows, image,
+                              arena);
+        averager.add(*m_stored[size_t(from)]);
         return averager.finish();
     }
     const PixelRect pixels = pixelsBehind(m_plan, pass, tile);

@@ -80,12 +80,43 @@ HWY_INLINE Lanes halved(Lanes a, Lanes b, Lanes c, Lanes d)
     return mulAdd(b + c, Lanes(0.375f), (a + d) * Lanes(0.125f));
 }
 
-void halveDownRun(const std::array<const float*, 4>& rows, float* out, int count)
+HWY_INLINE Lanes samples(const float* from)
 {
-    for (int i = 0; i < count; i += int(Lanes::count()))
-        halved(Lanes::load(rows[0] + i), Lanes::load(rows[1] + i), Lanes::load(rows[2] + i),
-               Lanes::load(rows[3] + i))
+    return Lanes::load(from);
+}
+HWY_INLINE Lanes samples(const uint16_t* from)
+{
+    const hn::Rebind<hwy::float16_t, FloatTag> halves;
+    return hn::PromoteTo(FloatTag(),
+                         hn::LoadU(halves, reinterpret_cast<const hwy::float16_t*>(from)));
+}
+
+template <class Sample>
+HWY_INLINE void halveRowsDown(const std::array<const Sample*, 4>& rows,
+                              const std::array<const Sample*, 2>& next, float* out, int count)
+{
+    constexpr int line = int(64 / sizeof(Sample));
+    for (int i = 0; i < count; i += int(Lanes::count())) {
+        if (i % line == 0) {
+            __builtin_prefetch(next[0] + i);
+            __builtin_prefetch(next[1] + i);
+        }
+        halved(samples(rows[0] + i), samples(rows[1] + i), samples(rows[2] + i),
+               samples(rows[3] + i))
             .store(out + i);
+    }
+}
+
+void halveFloatsDownRun(const std::array<const float*, 4>& rows,
+                        const std::array<const float*, 2>& next, float* out, int count)
+{
+    halveRowsDown(rows, next, out, count);
+}
+
+void halveHalvesDownRun(const std::array<const uint16_t*, 4>& rows,
+                        const std::array<const uint16_t*, 2>& next, float* out, int count)
+{
+    halveRowsDown(rows, next, out, count);
 }
 
 void halveAcrossRun(const float* in, float* out, int count)
@@ -184,7 +215,8 @@ namespace orvane {
 
 HWY_EXPORT(convolveAcrossRun);
 HWY_EXPORT(convolveDownRun);
-HWY_EXPORT(halveDownRun);
+HWY_EXPORT(halveFloatsDownRun);
+HWY_EXPORT(halveHalvesDownRun);
 HWY_EXPORT(halveAcrossRun);
 HWY_EXPORT(blendRowsRun);
 HWY_EXPORT(doubleAcrossRun);
@@ -202,9 +234,16 @@ void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
     HWY_DYNAMIC_DISPATCH(convolveDownRun)(in, out, count, rows, weights, reach);
 }
 
-void halveDown(const std::array<const float*, 4>& rows, float* out, int count)
+void halveDown(const std::array<const float*, 4>& rows, const std::array<const float*, 2>& next,
+               float* out, int count)
 {
-    HWY_DYNAMIC_DISPATCH(halveDownRun)(rows, out, count);
+    HWY_DYNAMIC_DISPATCH(halveFloatsDownRun)(rows, next, out, count);
+}
+
+void halveDown(const std::array<const uint16_t*, 4>& rows,
+               const std::array<const uint16_t*, 2>& next, float* out, int count)
+{
+    HWY_DYNAMIC_DISPATCH(halveHalvesDownRun)(rows, next, out, count);
 }
 
 void halveAcross(const float* in, float* out, int count)

@@ -10,11 +10,12 @@ namespace orvane {
 namespace {
 
 /// An odd number of cache lines, so that the rows above one another do not share their places in
-/// the first-level cache.
+/// the first-level cache; with room for whole vectors, and those who read two at a time, to read
+/// past the end of a row without meeting what others write to the next.
 std::ptrdiff_t strideFor(int width, size_t elementSize)
 {
     const std::ptrdiff_t line = std::ptrdiff_t(64 / elementSize);
-    const std::ptrdiff_t lines = (width + line - 1) / line;
+    const std::ptrdiff_t lines = (width + 2 * rowPadding + line - 1) / line;
     return (lines + (lines % 2 == 0 ? 1 : 0)) * line;
 }
 
@@ -28,10 +29,7 @@ StoredImage::StoredImage(const PixelRect& rect, bool opaque, StoredFormat format
     , m_format(format)
     , m_stride(strideFor(rect.width(), elementSize()))
     , m_planeElements(size_t(m_stride) * size_t(rows))
-    // Lets whole vectors, and those who read two at a time, read past the end of the last row.
-    , m_memory(m_planeElements * elementSize() * size_t(opaque ? 3 : 4)
-                   + 2 * rowPadding * sizeof(float),
-               spares)
+    , m_memory(m_planeElements * elementSize() * size_t(opaque ? 3 : 4), spares)
 {
 }
 
@@ -51,6 +49,11 @@ float* StoredImage::floatRow(int channel, int y)
 const float* StoredImage::floatRow(int channel, int y) const
 {
     return static_cast<const float*>(static_cast<const void*>(element(channel, m_rect.x0, y)));
+}
+
+const uint16_t* StoredImage::halfRow(int channel, int y) const
+{
+    return static_cast<const uint16_t*>(static_cast<const void*>(element(channel, m_rect.x0, y)));
 }
 
 void StoredImage::write(const TilePlanes& planes, const PixelRect& rect)

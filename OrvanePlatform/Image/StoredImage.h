@@ -29,6 +29,7 @@ public:
 
     const PixelRect& rect() const { return m_rect; }
     bool opaque() const { return m_opaque; }
+    StoredFormat format() const { return m_format; }
     size_t byteSize() const { return m_planeElements * elementSize() * size_t(m_opaque ? 3 : 4); }
 
     /// The planes must cover `rect`, which must lie within this one's.
@@ -42,6 +43,8 @@ public:
     /// Direct access to a row of floats; only of images in StoredFormat::Float.
     float* floatRow(int channel, int y);
     const float* floatRow(int channel, int y) const;
+    /// The same of halves; only of images in StoredFormat::Half.
+    const uint16_t* halfRow(int channel, int y) const;
     /// From a row of one channel to the same row of the next, in samples.
     std::ptrdiff_t channelStride() const { return std::ptrdiff_t(m_planeElements); }
 

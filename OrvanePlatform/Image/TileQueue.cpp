@@ -1,5 +1,7 @@
 #include "TileQueue.h"
 
+#include "PixelKernels.h"
+
 #include <algorithm>
 #include <random>
 
@@ -87,8 +89,11 @@ bool TileQueue::isReady(const OpenStep& open, const PixelRect& tile) const
         for (const StoredRead& read : reads) {
             if (read.stored != passOf(before).target)
                 continue;
+            // Rows are read in whole vectors, by some in two at a time.
+            PixelRect reach = read.rect;
+            reach.x1 += 2 * rowPadding;
             for (size_t i = 0; i < before.tiles.size(); ++i) {
-                if (!before.drawn[i] && !before.tiles[i].intersection(read.rect).isEmpty())
+                if (!before.drawn[i] && !before.tiles[i].intersection(reach).isEmpty())
                     return false;
             }
         }

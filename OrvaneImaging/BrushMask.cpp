@@ -133,13 +133,44 @@ void paint(Bitmap& mask, std::vector<WhiteRun>& white, const Capsule& capsule, d
 
 using Strokes = std::vector<std::vector<CGPoint>>;
 
-std::shared_ptr<const Bitmap> paintedMask(const Strokes& strokes, int width, int height,
-                                          double lineWidth)
+/// The pixels that the strokes may touch, and one more on each side, within the picture; low above
+/// high when there are none.
+struct Reach {
+    Run x;
+    Run y;
+};
+
+Reach reachOf(const Strokes& strokes, int width, int height, double lineWidth)
 {
-    auto mask = std::make_shared<Bitmap>(width, height, 1, SampleType::U8, AlphaKind::None,
-                                         BitmapContents::Zeros);
-    std::vector<WhiteRun> white(static_cast<size_t>(height));
-    const auto placed = [&](const CGPoint& p) { return CGPoint{p.x * width, p.y * height}; };
+    Reach reach;
+    for (const auto& stroke : strokes) {
+        for (const CGPoint& p : stroke) {
+            reach.x.include(p.x * width, p.x * width);
+            reach.y.include(p.y * height, p.y * height);
+        }
+    }
+    const double margin = lineWidth / 2 + 0.5 + 1;
+    const auto held = [margin](const Run& run, int size) {
+        return Run{std::max(std::floor(run.low - margin), 0.0),
+                   std::min(std::ceil(run.high + margin), double(size))};
+    };
+    return {held(reach.x, width), held(reach.y, height)};
+}
+
+PlacedBitmap paintedMask(const Strokes& strokes, int width, int height, double lineWidth)
+{
+    const Reach reach = reachOf(strokes, width, height, lineWidth);
+    if (!(reach.x.low < reach.x.high && reach.y.low < reach.y.high))
+        return {};
+    const auto left = int(reach.x.low);
+    const auto top = int(reach.y.low);
+    const int rows = int(reach.y.high) - top;
+    auto mask = std::make_shared<Bitmap>(int(reach.x.high) - left, rows, 1, SampleType::U8,
+                                         AlphaKind::None, BitmapContents::Zeros);
+    std::vector<WhiteRun> white(static_cast<size_t>(rows));
+    const auto placed = [&](const CGPoint& p) {
+        return CGPoint{p.x * width - left, p.y * height - top};
+    };
     for (const auto& stroke : strokes) {
         for (size_t i = 0; i < stroke.size(); ++i) {
             const Capsule capsule{placed(stroke[i == 0 ? 0 : i - 1]), placed(stroke[i])};
@@ -147,7 +178,7 @@ std::shared_ptr<const Bitmap> paintedMask(const Strokes& strokes, int width, int
                 paint(*mask, white, capsule, lineWidth / 2);
         }
     }
-    return mask;
+    return {mask, left, top};
 }
 
 Digest keyOf(const Strokes& strokes, int width, int height, double lineWidth)
@@ -161,12 +192,11 @@ Digest keyOf(const Strokes& strokes, int width, int height, double lineWidth)
 
 } // namespace
 
-std::shared_ptr<const Bitmap> brushMask(const Strokes& strokes, int width, int height,
-                                        double lineWidth)
+PlacedBitmap brushMask(const Strokes& strokes, int width, int height, double lineWidth)
 {
     static RecentDrawings recent(64 << 20);
-    const auto draw = [&] { return PlacedBitmap{paintedMask(strokes, width, height, lineWidth)}; };
-    return recent.drawing(keyOf(strokes, width, height, lineWidth), draw).bitmap;
+    return recent.drawing(keyOf(strokes, width, height, lineWidth),
+                          [&] { return paintedMask(strokes, width, height, lineWidth); });
 }
 
 } // namespace orvane

@@ -1,5 +1,6 @@
 #include "Relight.h"
 
+#include "Bitmap.h"
 #include "BrushMask.h"
 #include "Filters/CIFilter.h"
 #include "Kernels/LightKernels.h"
@@ -20,7 +21,7 @@ bool changesSomething(const Light& light)
     return amounts && light.radius > 0 && (light.type != "brush" || !light.strokes.empty());
 }
 
-/// White where the strokes are, over the extent.
+/// White where the strokes are.
 std::optional<CIImage> paintedMask(const Light& light, const CGRect& extent)
 {
     const double width = std::round(extent.width());
@@ -29,8 +30,13 @@ std::optional<CIImage> paintedMask(const Light& light, const CGRect& extent)
         return {};
     const double longEdge = std::max(width, height);
     const double lineWidth = std::max(2 * light.radius * longEdge, 1.0);
-    CIImage mask =
-        CIImage::withBitmap(brushMask(light.strokes, int(width), int(height), lineWidth));
+    const PlacedBitmap painted = brushMask(light.strokes, int(width), int(height), lineWidth);
+    if (!painted.bitmap)
+        return {};
+    // Rows of a bitmap count from the top, images from the bottom.
+    CIImage mask = CIImage::withBitmap(painted.bitmap)
+                       .transformed(CGAffineTransform::translation(
+                           painted.x, height - painted.y - painted.bitmap->height()));
     const double sigma = light.radius * light.feather * longEdge;
     if (sigma > 0.5)
         mask = mask.clampedToExtent().gaussianBlurred(sigma).cropped({0, 0, width, height});

@@ -131,7 +131,15 @@ TEST(BrushMask, CoversEverythingWithinHalfTheLineWidth)
     const int height = 19;
     for (const double lineWidth : {1.0, 5.0, 16.5}) {
         for (size_t i = 0; i < std::size(strokes); ++i) {
-            const auto mask = brushMask(strokes[i], width, height, lineWidth);
+            const PlacedBitmap mask = brushMask(strokes[i], width, height, lineWidth);
+            ASSERT_TRUE(mask.bitmap);
+            const auto painted = [&](int x, int y) {
+                const int column = x - mask.x;
+                const int row = y - mask.y;
+                const bool within = column >= 0 && column < mask.bitmap->width() && row >= 0
+                    && row < mask.bitmap->height();
+                return within ? mask.bitmap->row(row)[column] : 0;
+            };
             for (int y = 0; y < height; ++y) {
                 for (int x = 0; x < width; ++x) {
                     double nearest = 1e9;
@@ -149,7 +157,7 @@ TEST(BrushMask, CoversEverythingWithinHalfTheLineWidth)
                     }
                     const double expected =
                         std::clamp(lineWidth / 2 + 0.5 - nearest, 0.0, 1.0) * 255;
-                    ASSERT_NEAR(mask->row(y)[x], expected, 2)
+                    ASSERT_NEAR(painted(x, y), expected, 2)
                         << "stroke " << i << ", width " << lineWidth << ", at " << x << ", " << y;
                 }
             }

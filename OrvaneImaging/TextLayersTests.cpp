@@ -228,12 +228,16 @@ TEST(TextLayers, ThePicturesPropertiesStay)
 TEST(BrushMask, TheSameStrokesAreTheSameBitmap)
 {
     const std::vector<std::vector<CGPoint>> strokes{{{0.1, 0.2}, {0.3, 0.4}}, {{0.5, 0.5}}};
-    const auto mask = brushMask(strokes, 40, 30, 4);
-    EXPECT_EQ(brushMask(strokes, 40, 30, 4), mask);
-    EXPECT_NE(brushMask(strokes, 40, 30, 5), mask);
-    EXPECT_NE(brushMask(strokes, 30, 40, 4), mask);
+    const auto mask = [](const std::vector<std::vector<CGPoint>>& painted, int width, int height,
+                         double lineWidth) {
+        return brushMask(painted, width, height, lineWidth).bitmap;
+    };
+    const auto first = mask(strokes, 40, 30, 4);
+    EXPECT_EQ(mask(strokes, 40, 30, 4), first);
+    EXPECT_NE(mask(strokes, 40, 30, 5), first);
+    EXPECT_NE(mask(strokes, 30, 40, 4), first);
     // The same points in other strokes are another painting.
-    EXPECT_NE(brushMask({{{0.1, 0.2}}, {{0.3, 0.4}, {0.5, 0.5}}}, 40, 30, 4), mask);
+    EXPECT_NE(mask({{{0.1, 0.2}}, {{0.3, 0.4}, {0.5, 0.5}}}, 40, 30, 4), first);
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QEvent>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStyleOptionMenuItem>
@@ -69,6 +71,7 @@ CommandActions::CommandActions(Shell& shell, QWidget& window)
             command.run(m_shell);
             m_watch.schedule();
         });
+        action->installEventFilter(this);
         window.addAction(action);
         m_entries.push_back({&command, action});
     }
@@ -79,6 +82,13 @@ CommandActions::CommandActions(Shell& shell, QWidget& window)
                   m.collections, m.currentCollectionName, m.savedImageSources, m.comparing,
                   m.cropMode, m.relightMode, m.healing, m.pickingWhite, m.histogramOn,
                   m.isExporting, m.exportFolder);
+}
+
+bool CommandActions::eventFilter(QObject* action, QEvent* event)
+{
+    if (event->type() == QEvent::Shortcut && QGuiApplication::mouseButtons() != Qt::NoButton)
+        return true;
+    return QObject::eventFilter(action, event);
 }
 
 void CommandActions::fill(QMenuBar& menus) const

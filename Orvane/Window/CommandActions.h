@@ -31,6 +31,11 @@ public:
     /// At once, after something that no field of the model tells of.
     void refresh();
 
+protected:
+    /// Keys wait until the hand has let go: one that took a step back, or brought another picture
+    /// under a slider that is being dragged, would have the rest of the drag go elsewhere.
+    bool eventFilter(QObject* action, QEvent* event) override;
+
 private:
     struct Entry {
         const Command* command;

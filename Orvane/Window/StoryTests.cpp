@@ -7,7 +7,9 @@
 #include "WindowTesting.h"
 
 #include <QPlainTextEdit>
+#include <QScrollArea>
 #include <QWheelEvent>
+#include <QWindow>
 
 namespace orvane {
 namespace {
@@ -64,6 +66,29 @@ TEST_F(StoryTest, GradesByHandAndEachGestureIsOneStep)
     const QPoint black(2, levels->height() - 4);
     dragOn(*levels, black, black + QPoint(30, 0));
     EXPECT_GT(model().levels().blackIn, 5);
+}
+
+TEST_F(StoryTest, KeysWaitUntilASliderIsLetGo)
+{
+    openFiles({"a.jpg"});
+    unfold("Light");
+    dragSlider(slider("Contrast"), 9);
+    const double contrast = adjusted("contrast");
+    ASSERT_GT(contrast, 0);
+    // Through the system, which knows then that a button is held.
+    QWindow* window = app->window.windowHandle();
+    DoubleClickSlider& exposure = slider("Exposure");
+    inspector().findChild<QScrollArea*>()->ensureWidgetVisible(&exposure);
+    const QPoint knob = exposure.mapTo(&app->window, exposure.knobCentre().toPoint());
+    QTest::mousePress(window, Qt::LeftButton, {}, knob);
+    QTest::mouseMove(window, knob + QPoint(10, 0));
+    QTest::keyClick(window, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(adjusted("contrast"), contrast);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, knob + QPoint(10, 0));
+    EXPECT_GT(adjusted("exposure"), 0);
+    QTest::keyClick(window, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(adjusted("exposure"), 0);
+    EXPECT_EQ(adjusted("contrast"), contrast);
 }
 
 TEST_F(StoryTest, CropsByAHandleAndPlacesALight)

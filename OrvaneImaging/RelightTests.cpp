@@ -119,6 +119,28 @@ TEST(Relight, PaintsBrushStrokesWhereTheyLie)
     EXPECT_LT(edge, 0.9);
 }
 
+TEST(Relight, ASoftBrushEndsNowhereButWhereItFades)
+{
+    // Dabs so small that they paint next to nothing, in the far corners, have the mask reach over
+    // the whole picture; without them it ends beside the stroke, which runs out of the frame.
+    const CIImage image = grey(240, 150, 0.2f).transformed(CGAffineTransform::translation(-70, 9));
+    const std::vector<CGPoint> stroke{{-0.1, 0.55}, {0.2, 0.4}, {0.25, 0.7}};
+    Light brush{.type = "brush", .radius = 0.03, .feather = 0.9, .brightness = 50};
+    brush.strokes = {stroke};
+    const CIImage alone = Relight::apply(image, {brush});
+    brush.strokes = {stroke, {{0.999, 0.001}}, {{0.999, 0.999}}};
+    const CIImage among = Relight::apply(image, {brush});
+    // Beyond 4 sigma of the dabs.
+    for (int y = 9; y < 159; y += 7) {
+        for (int x = -70; x < 110; x += 9)
+            ASSERT_EQ(pixel(alone, x, y), pixel(among, x, y)) << x << ", " << y;
+    }
+    EXPECT_NE(pixel(alone, -70, 76), pixel(image, -70, 76));
+
+    brush.strokes = {{{1.5, 0.5}, {1.8, 0.2}}, {{1.4, 0.4}}};
+    EXPECT_TRUE(Relight::apply(image, {brush}).isSame(image)) << "nothing within the frame";
+}
+
 TEST(BrushMask, CoversEverythingWithinHalfTheLineWidth)
 {
     // Against the plain definition, at every pixel; slopes of every kind, ends outside the picture.

@@ -50,16 +50,18 @@ bool BandWriter::begin(const PixelRect& rows)
     return true;
 }
 
+/// To be asked under the lock.
 BandWriter::Band& BandWriter::bandOf(const PixelRect& rows)
 {
-    const std::lock_guard lock(m_mutex);
     return *std::find_if(m_bands.begin(), m_bands.end(),
                          [&](const Band& band) { return band.rect.contains(rows); });
 }
 
 void BandWriter::take(const TilePlanes& planes, const PixelRect& tile)
 {
+    std::unique_lock lock(m_mutex);
     Band& band = bandOf(tile);
+    lock.unlock();
     const size_t left = size_t(tile.x0 - m_rect.x0) * size_t(bytesPerPixel(m_format));
     for (int y = tile.y0; y < tile.y1; ++y) {
         const float* rows[4];
@@ -72,9 +74,8 @@ void BandWriter::take(const TilePlanes& planes, const PixelRect& tile)
 
 void BandWriter::end(const PixelRect& rows)
 {
-    Band& band = bandOf(rows);
     const std::lock_guard lock(m_mutex);
-    band.complete = true;
+    bandOf(rows).complete = true;
 }
 
 ThreadPool::Step BandWriter::writeNext()

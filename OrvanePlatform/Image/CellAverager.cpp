@@ -112,7 +112,6 @@ void CellAverager::add(const StoredImage& image)
     if (readsInPlace(image))
         return image.format() == StoredFormat::Half ? addInPlace<uint16_t>(image)
                                                     : addInPlace<float>(image);
-    takeMemory();
     const TilePlanes row = m_arena.rowPlanes(m_held, image.opaque());
     for (int y = m_held.y0; y < m_held.y1; ++y) {
         image.readRow(y, row);

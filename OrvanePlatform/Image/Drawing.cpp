@@ -15,7 +15,7 @@ using Form = StoredPlan::Form;
 
 /// Tiles of a step for each worker: enough that the last ones to finish cost little.
 constexpr int tilesForEachWorker = 4;
-/// What is kept has all its rows in memory anyway, so there the workers need to meet less often.
+/// What is kept has all its rows in memory anyway.
 constexpr int tilesOfKept = 32;
 
 TilesAtOnce tilesAtOnce(int workers, bool kept)
@@ -238,7 +238,8 @@ void Drawing::averageTile(const PlanPass& pass, int slot, const PixelRect& tile)
     TileArena& arena = m_arenas[size_t(slot)];
     const int from = imageAveraged(m_plan, pass);
     if (from >= 0) {
-        const PixelRect rows = storedReads(m_plan, pass, tile).front().rect;
+        const auto reads = storedReads(m_plan, pass, tile);
+        const PixelRect rows = reads.empty() ? PixelRect{} : reads.front().rect;
         arena.reset();
         const int factor = m_plan.stored[size_t(from)].factor;
         CellAverager averager(tile, levelsBetween(factor, planned.factor), edges, rows, image,

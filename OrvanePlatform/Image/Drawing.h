@@ -1,5 +1,7 @@
 #pragma once
 
+#include "CIContext.h"
+#include "Digest.h"
 #include "IntermediateCache.h"
 #include "Planner.h"
 #include "Schedule.h"

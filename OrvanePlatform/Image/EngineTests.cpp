@@ -159,6 +159,20 @@ TEST(Tiles, AnySizeOrderAndNumberOfThreadsGiveTheSameBits)
     }
 }
 
+TEST(Tiles, AgreeWhereABlurTakesSeveralTilesAcross)
+{
+    const CIImage image =
+        CIFilter::unsharpMask(CIFilter::gaussianBlur(photograph(2600, 150).clampedToExtent(), 6)
+                                  .cropped({0, 0, 2600, 150}),
+                              7, 0.6);
+    const auto bytes = drawn(image, CIContext({.threads = 1}), PixelFormat::RGBA16);
+    for (const uint64_t seed : {0, 3}) {
+        const CIContext cut(
+            {.threads = 4, .tileWidth = 700, .tileHeight = 16, .shuffleSeed = seed});
+        EXPECT_EQ(drawn(image, cut, PixelFormat::RGBA16), bytes);
+    }
+}
+
 TEST(Tiles, ABlurThatAMaskFadesInIsDrawnWhereTheMaskAsksForIt)
 {
     const CIColor black{0, 0, 0, 1};

@@ -24,10 +24,14 @@ void copyCells(const StoredImage& cells, int channel, int y, int first, int last
     const float* row = cells.floatRow(channel, std::clamp(y, held.y0, held.y1 - 1)) - held.x0;
     const int inner = std::clamp(held.x0, first, last);
     const int outer = std::clamp(held.x1, inner, last);
-    std::fill(to, to + (inner - first), repeated ? row[held.x0] : 0.0f);
+    // The outermost cells are looked at by those that need them alone: for others they may be on
+    // their way still.
+    if (inner > first)
+        std::fill(to, to + (inner - first), repeated ? row[held.x0] : 0.0f);
     if (outer > inner)
         std::copy(row + inner, row + outer, to + (inner - first));
-    std::fill(to + (outer - first), to + (last - first), repeated ? row[held.x1 - 1] : 0.0f);
+    if (last > outer)
+        std::fill(to + (outer - first), to + (last - first), repeated ? row[held.x1 - 1] : 0.0f);
 }
 
 } // namespace

@@ -21,7 +21,7 @@ struct ScheduledRows {
 /// is still in the processor's cache. A reader that jumps about, such as a quarter turn of a stored
 /// image, makes the window as high as it needs: in the worst case the whole image.
 struct Schedule {
-    /// Steps side by side may be drawn at the same time, where they do not read one another.
+    /// Steps side by side may be under way at the same time.
     static constexpr size_t stepsAtOnce = 2;
 
     struct Image {

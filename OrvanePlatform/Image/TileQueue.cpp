@@ -3,9 +3,12 @@
 #include "PixelKernels.h"
 
 #include <algorithm>
+#include <cassert>
 #include <random>
 
 namespace orvane {
+
+static_assert(Schedule::stepsAtOnce == 2, "one step to wait for");
 
 namespace {
 
@@ -73,32 +76,40 @@ void TileQueue::open()
     open.tiles = tilesOf(rows.rect, pass.tileWidth, pass.tileHeight, m_shuffleSeed);
     open.drawn.resize(open.tiles.size(), false);
     open.left = open.tiles.size();
+    assert(open.left > 0); // a step ends with its last tile
+    open.awaited.resize(m_workers);
     for (size_t worker = 0; worker < m_workers; ++worker)
         open.next.push_back(partStart(open.tiles.size(), worker, m_workers));
 }
 
-/// Whether the steps before have drawn all that the tile reads.
-bool TileQueue::isReady(const OpenStep& open, const PixelRect& tile) const
+/// A tile of the step before that is not drawn yet and that the given one reads.
+std::optional<size_t> TileQueue::undrawnBehind(const OpenStep& open, const PixelRect& tile) const
+{
+    const OpenStep& before = m_open.front();
+    for (const StoredRead& read : storedReads(m_plan, passOf(open), tile)) {
+        if (read.stored != passOf(before).target)
+            continue;
+        // Rows are read in whole vectors, by some in two at a time.
+        PixelRect reach = read.rect;
+        reach.x1 += 2 * rowPadding;
+        for (size_t i = 0; i < before.tiles.size(); ++i) {
+            if (!before.drawn[i] && !before.tiles[i].intersection(reach).isEmpty())
+                return i;
+        }
+    }
+    return {};
+}
+
+/// Whether the next tile of a part finds what it reads.
+bool TileQueue::isReady(OpenStep& open, size_t part) const
 {
     if (&open == &m_open.front())
         return true;
-    const std::vector<StoredRead> reads = storedReads(m_plan, passOf(open), tile);
-    for (const OpenStep& before : m_open) {
-        if (&before == &open)
-            break;
-        for (const StoredRead& read : reads) {
-            if (read.stored != passOf(before).target)
-                continue;
-            // Rows are read in whole vectors, by some in two at a time.
-            PixelRect reach = read.rect;
-            reach.x1 += 2 * rowPadding;
-            for (size_t i = 0; i < before.tiles.size(); ++i) {
-                if (!before.drawn[i] && !before.tiles[i].intersection(reach).isEmpty())
-                    return false;
-            }
-        }
-    }
-    return true;
+    // Asked again and again until it is: what it was found to wait for is looked at first.
+    auto& awaited = open.awaited[part];
+    if (!awaited || m_open.front().drawn[*awaited])
+        awaited = undrawnBehind(open, open.tiles[open.next[part]]);
+    return !awaited;
 }
 
 std::optional<TileQueue::Tile> TileQueue::take(int worker)
@@ -106,10 +117,9 @@ std::optional<TileQueue::Tile> TileQueue::take(int worker)
     for (OpenStep& open : m_open) {
         for (size_t k = 0; k < m_workers; ++k) {
             const size_t part = (size_t(worker) + k) % m_workers;
-            const size_t index = open.next[part];
-            if (index >= partEnd(open, part) || !isReady(open, open.tiles[index]))
+            if (open.next[part] >= partEnd(open, part) || !isReady(open, part))
                 continue;
-            ++open.next[part];
+            const size_t index = open.next[part]++;
             return Tile{open.step, index, open.tiles[index]};
         }
     }

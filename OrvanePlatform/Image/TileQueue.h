@@ -3,6 +3,7 @@
 #include "Planner.h"
 #include "Schedule.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <optional>
@@ -44,12 +45,14 @@ private:
         std::vector<PixelRect> tiles;
         std::vector<bool> drawn; ///< by tile
         std::vector<size_t> next; ///< by worker: the first of its part that nobody has taken
+        std::vector<std::optional<size_t>> awaited; ///< by worker: a tile of the step before
         size_t left = 0; ///< tiles that are not drawn
     };
 
     const PlanPass& passOf(const OpenStep& open) const;
     size_t partEnd(const OpenStep& open, size_t worker) const;
-    bool isReady(const OpenStep& open, const PixelRect& tile) const;
+    std::optional<size_t> undrawnBehind(const OpenStep& open, const PixelRect& tile) const;
+    bool isReady(OpenStep& open, size_t part) const;
 
     const Plan& m_plan;
     const Schedule& m_schedule;

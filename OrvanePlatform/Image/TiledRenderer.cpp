@@ -24,10 +24,10 @@ private:
 
 } // namespace
 
-std::vector<TileArena> TiledRenderer::arenas() const
+std::vector<TileArena> TiledRenderer::arenas(const DrawOptions& options) const
 {
     std::vector<TileArena> own;
-    {
+    if (options.keepIntermediates) {
         const std::lock_guard lock(m_mutex);
         own.swap(m_arenas);
     }
@@ -45,7 +45,7 @@ bool TiledRenderer::draw(const Node& root, const PixelRect& rect, StoredFormat f
                          const DrawOptions& options, const TileTarget& target) const
 {
     Tiles tiles(target);
-    Drawing drawing(root, rect, format, options, m_settings, m_cache, arenas(), tiles);
+    Drawing drawing(root, rect, format, options, m_settings, m_cache, arenas(options), tiles);
     m_pool.run([&](int worker) { return drawing.work(worker); });
     drawing.report(0);
     if (options.keepIntermediates)
@@ -57,7 +57,7 @@ Result<void> TiledRenderer::draw(const Node& root, const PixelRect& rect, Stored
                                  const DrawOptions& options, RowSink& sink) const
 {
     BandWriter bands(rect, sink);
-    Drawing drawing(root, rect, format, options, m_settings, m_cache, arenas(), bands);
+    Drawing drawing(root, rect, format, options, m_settings, m_cache, arenas(options), bands);
     // Writing comes first: bands are written one after the other, tiles drawn by all the rest.
     m_pool.run([&](int worker) {
         const ThreadPool::Step written = bands.writeNext();

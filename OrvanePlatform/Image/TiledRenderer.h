@@ -39,7 +39,7 @@ public:
 private:
     /// Scratch memory, one for each worker. Draws of previews leave theirs to the next: to touch it
     /// for the first time takes longer than some of them.
-    std::vector<TileArena> arenas() const;
+    std::vector<TileArena> arenas(const DrawOptions& options) const;
     void leave(std::vector<TileArena> arenas) const;
 
     mutable std::mutex m_mutex;

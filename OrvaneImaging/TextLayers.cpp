@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <new>
 #include <string_view>
 
@@ -77,6 +78,79 @@ bool isDrawable(const Item& item)
         && std::isfinite(item.size) && item.alpha > 0;
 }
 
+struct Layer {
+    PlacedBitmap drawing;
+    Digest key;
+};
+
+RecentDrawings& recentDrawings()
+{
+    static RecentDrawings recent(64 << 20);
+    return recent;
+}
+
+/// The items that there is something to see of, each in its own rectangle.
+std::vector<Layer> drawnItems(const std::vector<Item>& items, const Frame& frame)
+{
+    std::vector<Layer> layers;
+    for (const Item& item : items) {
+        if (!isDrawable(item))
+            continue;
+        const Digest key = keyOf(item, frame);
+        try {
+            const PlacedBitmap drawing =
+                recentDrawings().drawing(key, [&] { return drawnItem(item, frame); });
+            if (drawing.bitmap)
+                layers.push_back({drawing, key});
+        } catch (const std::bad_alloc&) {
+            continue;
+        }
+    }
+    return layers;
+}
+
+/// Layers that lie over one another are one, blended as sRGB bytes: text over text has the edges
+/// and shadows of one drawing. What lies apart stays in small rectangles.
+std::vector<Layer> joined(const std::vector<Layer>& layers)
+{
+    std::vector<std::vector<size_t>> groups; // members in order
+    for (size_t i = 0; i < layers.size(); ++i) {
+        std::vector<size_t> members{i};
+        for (auto group = groups.begin(); group != groups.end();) {
+            const bool meets = std::ranges::any_of(*group, [&](size_t member) {
+                return meet(layers[member].drawing, layers[i].drawing);
+            });
+            if (meets)
+                members.insert(members.end(), group->begin(), group->end());
+            group = meets ? groups.erase(group) : std::next(group);
+        }
+        std::ranges::sort(members);
+        groups.push_back(std::move(members));
+    }
+    std::vector<Layer> result;
+    for (const std::vector<size_t>& group : groups) {
+        if (group.size() == 1) {
+            result.push_back(layers[group.front()]);
+            continue;
+        }
+        DigestBuilder key;
+        std::vector<PlacedBitmap> drawings;
+        for (const size_t member : group) {
+            key.add(layers[member].key);
+            drawings.push_back(layers[member].drawing);
+        }
+        const Digest digest = key.digest();
+        try {
+            result.push_back(
+                {recentDrawings().drawing(digest, [&] { return laidTogether(drawings); }), digest});
+        } catch (const std::bad_alloc&) {
+            for (const size_t member : group)
+                result.push_back(layers[member]);
+        }
+    }
+    return result;
+}
+
 } // namespace
 
 CIImage draw(const std::vector<Item>& items, const CIImage& image)
@@ -84,20 +158,10 @@ CIImage draw(const std::vector<Item>& items, const CIImage& image)
     const CGRect extent = image.extent();
     if (extent.isInfinite() || !(extent.width() >= 1) || !(extent.height() >= 1))
         return image;
-    static RecentDrawings recent(64 << 20);
     const Frame frame{int(std::lround(extent.width())), int(std::lround(extent.height()))};
     CIImage result = image;
-    for (const Item& item : items) {
-        if (!isDrawable(item))
-            continue;
-        PlacedBitmap drawn;
-        try {
-            drawn = recent.drawing(keyOf(item, frame), [&] { return drawnItem(item, frame); });
-        } catch (const std::bad_alloc&) {
-            continue;
-        }
-        if (!drawn.bitmap)
-            continue;
+    for (const Layer& layer : joined(drawnItems(items, frame))) {
+        const PlacedBitmap& drawn = layer.drawing;
         const double bottom = extent.maxY() - drawn.y - drawn.bitmap->height();
         result = CIImage::withBitmap(drawn.bitmap)
                      .transformed(CGAffineTransform::translation(extent.minX() + drawn.x, bottom))

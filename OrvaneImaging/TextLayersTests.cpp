@@ -159,6 +159,27 @@ TEST(TextLayers, LaterItemsLieOnTop)
     test::expectNear(test::pixel(TextLayers::draw({green, red}, image), 32, 24), {1, 0, 0, 1});
 }
 
+TEST(TextLayers, TextOverTextBlendsAsOneDrawing)
+{
+    const CIImage image = test::grey(200, 100, 1);
+    Item white = item(block, 0.3);
+    Item black = item(block, 0.2);
+    black.red = black.green = black.blue = 0;
+    black.alpha = 0.5;
+    Item apart = item(block, 0.1);
+    apart.x = 0.1;
+    Item over = apart; // lies over nothing but that one
+    over.red = 0;
+    over.size = 0.05;
+    const CIImage drawn = TextLayers::draw({white, apart, black, over}, image);
+    const auto grey = float(std::pow((127 / 255.0 + 0.055) / 1.055, 2.4));
+    test::expectNear(test::pixel(drawn, 100, 50), {grey, grey, grey, 1}, 3e-3f);
+    test::expectNear(test::pixel(drawn, 20, 50), {0, 1, 1, 1});
+    // On the picture itself it blends in linear light.
+    test::expectNear(test::pixel(TextLayers::draw({black}, image), 100, 50), {0.5, 0.5, 0.5, 1},
+                     3e-3f);
+}
+
 TEST(TextLayers, TheShadowFallsDownwardsAndDarkensByItsShare)
 {
     // The shadow alone shows below a wide block: its ink ends at a straight edge.
@@ -189,6 +210,11 @@ TEST(TextLayers, TheShadowFallsDownwardsAndDarkensByItsShare)
     while (at(ink, inkBottom) == 1)
         --inkBottom;
     EXPECT_GT(bottom - inkBottom, (inkTop - top) + 4) << "offset 4, reaching as far either way";
+    // Half of it shows 0.04 of the type size below the ink; the blur's sigma is 0.06 of that size.
+    for (const int below : {4, 10, 16}) {
+        const double covered = 0.5 * std::erfc((below + 0.5 - 4) / 6 / std::sqrt(2.0));
+        EXPECT_NEAR(at(shadowed, inkBottom + 1 + below), 1 - 0.275 * covered, 0.012) << below;
+    }
     // White of alpha 0.5 over its own shadow of 0.275, in encoded bytes, then over white in linear
     // light: alpha 1 - 0.5 (1 - 0.275), of which 0.5 is white.
     const double alpha = 0.6375;

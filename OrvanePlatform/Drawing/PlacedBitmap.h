@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 namespace orvane {
 
@@ -13,5 +14,12 @@ struct PlacedBitmap {
     int x = 0;
     int y = 0;
 };
+
+/// Whether both cover some pixel of the picture.
+bool meet(const PlacedBitmap& a, const PlacedBitmap& b);
+
+/// Drawings of premultiplied sRGB bytes laid over one another as such bytes, the first lowest: what
+/// they would have been, drawn into one bitmap. All have one.
+PlacedBitmap laidTogether(std::span<const PlacedBitmap> drawings);
 
 } // namespace orvane

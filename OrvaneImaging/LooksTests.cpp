@@ -4,7 +4,7 @@
 #include "WhiteBalance.h"
 
 #include <limits>
-#include <numeric>
+#include <map>
 
 namespace orvane {
 namespace {
@@ -100,47 +100,88 @@ TEST(LooksAll, MovesOnlySlidersThatTheRenderKnows)
         EXPECT_FALSE(Adjustments({{key, 1234.5}}).isIdentity()) << key;
 }
 
+/// The looks for the default Stats, to which only colour is a little short.
+// clang-format off
+std::vector<Looks::Look> usualLooks()
+{
+    return {
+        {"pop", "Make it pop", "A balanced lift — contrast, clarity, a little color.",
+         {{"contrast", 12}, {"clarity", 10}, {"vibrance", 20}, {"dehaze", 0}, {"blacks", -4},
+          {"whites", 6}}},
+        {"warm", "Warmer", "Leans into warm light and opens the shadows.",
+         {{"temperature", 22}, {"highlights", -10}, {"shadows", 12}, {"vibrance", 13},
+          {"contrast", 8}}},
+        {"cool", "Cooler", "Cooler and harder — good for wet streets and blue hour.",
+         {{"temperature", -20}, {"contrast", 16}, {"blacks", -14}, {"clarity", 10}}},
+        {"mono", "Mono", "Strips color so the shapes carry the frame.",
+         {{"saturation", -100}, {"contrast", 18}, {"clarity", 12}}},
+        {"film", "Film",
+         "Colour negative: cool shadows, warm highlights, grain and a little halation.",
+         {{"contrast", 10}, {"highlights", -14}, {"shadows", 10}, {"vibrance", 10},
+          {"saturation", -6}, {"shadowTint", -14}, {"highlightTint", 20}, {"satOrange", 14},
+          {"satGreen", -18}, {"halation", 26}, {"grain", 18}, {"fade", 10}}},
+        {"cinema", "Cinema", "Teal shadows against orange skin — the modern film-grade look.",
+         {{"contrast", 14}, {"shadows", 8}, {"blacks", -10}, {"shadowTint", -34},
+          {"highlightTint", 30}, {"satOrange", 18}, {"satAqua", 12}, {"satYellow", -14},
+          {"halation", 14}, {"vignette", -14}}},
+        {"faded", "Faded", "Lifted blacks and muted colour, like a print left in the sun.",
+         {{"contrast", -8}, {"highlights", -18}, {"saturation", -18}, {"fade", 34}, {"grain", 12},
+          {"highlightTint", 12}, {"satBlue", -12}}},
+        {"golden", "Golden", "Warm, glowing light — golden hour even when it wasn't.",
+         {{"temperature", 26}, {"exposure", 6}, {"highlights", -20}, {"shadows", 14},
+          {"vibrance", 15}, {"highlightTint", 34}, {"satOrange", 20}, {"satYellow", 12},
+          {"bloom", 22}, {"halation", 30}}},
+        {"miniature", "Miniature",
+         "Tilt-shift: a sharp band through the middle turns the scene into a toy model.",
+         {{"tiltShift", 80}, {"tiltCenter", 50}, {"tiltWidth", 26}, {"saturation", 22},
+          {"vibrance", 16}, {"contrast", 16}, {"clarity", 14}}},
+        {"poster", "Poster", "Two colours across the whole tonal range — a print, not a photo.",
+         {{"duotone", 85}, {"duotoneHue", 220}, {"contrast", 22}, {"blacks", -12}, {"whites", 8}}},
+    };
+}
+// clang-format on
+
+void expectLooks(const std::vector<Looks::Look>& actual, const std::vector<Looks::Look>& expected)
+{
+    ASSERT_EQ(actual.size(), expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) {
+        SCOPED_TRACE(expected[i].id);
+        EXPECT_EQ(actual[i].id, expected[i].id);
+        EXPECT_EQ(actual[i].name, expected[i].name);
+        EXPECT_EQ(actual[i].reason, expected[i].reason);
+        EXPECT_EQ(actual[i].adjustments, expected[i].adjustments);
+    }
+}
+
 TEST(LooksAll, FitsTheRecipesToThePicture)
 {
-    const Stats flatGrey{.blackPoint = 100,
-                         .whitePoint = 100,
-                         .contrastSpread = 0,
-                         .meanSaturation = 0,
-                         .haze = 116};
-    const struct {
-        const char* id;
-        const char* key;
-        double usual; // for the default Stats: only colour is a little short
-        double needy; // for a picture that lacks everything
-    } rows[] = {
-        {"pop", "contrast", 12, 48},        {"pop", "clarity", 10, 34},
-        {"pop", "vibrance", 20, 44},        {"pop", "dehaze", 0, 28},
-        {"pop", "blacks", -4, -12},         {"pop", "whites", 6, 6},
-        {"warm", "vibrance", 13, 28},       {"cool", "contrast", 16, 40},
-        {"mono", "contrast", 18, 48},       {"mono", "saturation", -100, -100},
-        {"film", "vibrance", 10, 22},       {"cinema", "contrast", 14, 32},
-        {"faded", "satBlue", -12, -12},     {"golden", "vibrance", 15, 30},
-        {"miniature", "tiltWidth", 26, 26}, {"poster", "duotoneHue", 220, 220},
-    };
-    const auto value = [](const Stats& stats, const std::string& id, const char* key) {
-        for (const Looks::Look& look : Looks::all(stats)) {
-            if (look.id == id)
-                return look.adjustments.at(key);
-        }
-        return nan;
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(value({}, row.id, row.key), row.usual) << row.id << " " << row.key;
-        EXPECT_EQ(value(flatGrey, row.id, row.key), row.needy) << row.id << " " << row.key;
-    }
-    EXPECT_EQ(value({.blackPoint = 16}, "pop", "blacks"), -4);
-    EXPECT_EQ(value({.blackPoint = 17}, "pop", "blacks"), -12);
+    expectLooks(Looks::all({}), usualLooks());
+    expectLooks(Looks::all({.contrastSpread = 300, .meanSaturation = 30, .haze = -9}),
+                usualLooks());
 
-    // How many keys each recipe moves, in the order of the panel: a lost line of the table shows.
-    std::vector<size_t> counts;
-    for (const Looks::Look& look : Looks::all({}))
-        counts.push_back(look.adjustments.size());
-    EXPECT_EQ(counts, (std::vector<size_t>{6, 5, 4, 3, 12, 10, 7, 10, 7, 5}));
+    // Needs of 30, 15 and 11, each from half a step below; and needs beyond all ranges: 60, 40, 40.
+    const Stats middling{.contrastSpread = 61, .meanSaturation = 25.5, .haze = 10.5};
+    const Stats worst{.blackPoint = 17, .contrastSpread = -9, .meanSaturation = -9, .haze = 99};
+    const struct {
+        size_t look;
+        const char* key;
+        double middling;
+        double worst;
+    } rows[] = {
+        {0, "contrast", 30, 48}, {0, "clarity", 22, 34},  {0, "vibrance", 24, 44},
+        {0, "dehaze", 8, 28},    {0, "blacks", -4, -12},  {1, "vibrance", 16, 28},
+        {2, "contrast", 28, 40}, {3, "contrast", 33, 48}, {4, "vibrance", 12, 22},
+        {5, "contrast", 23, 32}, {7, "vibrance", 18, 30},
+    };
+    std::vector<Looks::Look> forMiddling = usualLooks();
+    std::vector<Looks::Look> forWorst = usualLooks();
+    forWorst[0].reason = "Adds punch — the frame is reading flat.";
+    for (const auto& row : rows) {
+        forMiddling[row.look].adjustments[row.key] = row.middling;
+        forWorst[row.look].adjustments[row.key] = row.worst;
+    }
+    expectLooks(Looks::all(middling), forMiddling);
+    expectLooks(Looks::all(worst), forWorst);
 }
 
 TEST(LooksAll, SaysWhyItLiftsThePicture)
@@ -178,21 +219,10 @@ TEST(LooksPop, DrawsItsJitterInTheOrderOfTheSliders)
         {"exposure", 4}, {"blacks", 3},  {"whites", 3},   {"shadows", 3}, {"highlights", 3},
         {"contrast", 6}, {"clarity", 6}, {"vibrance", 6}, {"dehaze", 2},
     };
-    // No jitter, and the middle lean.
-    const Looks::Look still = Looks::pop({}, drawing({}));
+    const Looks::Look still = Looks::pop({}, drawing({})); // no jitter, and the middle lean
+    EXPECT_EQ(still.id, "pop");
+    EXPECT_EQ(still.name, "Make it pop");
     EXPECT_EQ(still.reason, "A balanced lift across the range — punchy color.");
-    EXPECT_EQ(still.adjustments,
-              (Adjustments::AdjustMap{{"exposure", -1},
-                                      {"blacks", 0},
-                                      {"whites", 0},
-                                      {"shadows", 0},
-                                      {"highlights", 0},
-                                      {"contrast", 8},
-                                      {"clarity", 8},
-                                      {"vibrance", 27},
-                                      {"dehaze", 0},
-                                      {"vignette", -14},
-                                      {"saturation", 5}}));
     std::vector<double> draws;
     for (const auto& row : rows) {
         std::vector<double> high = draws;
@@ -216,18 +246,26 @@ TEST(LooksPop, AnswersToThePicture)
         {{.medianLuma = 255}, "exposure", -30},
         {{.blackPoint = 30}, "blacks", 0},
         {{.blackPoint = 31}, "blacks", -5}, // -4.5, away from zero
+        {{.blackPoint = 50}, "blacks", -14},
         {{.blackPoint = 200}, "blacks", -25},
         {{.blackPoint = 7.9}, "blacks", 10},
         {{.blackPoint = 8}, "blacks", 0},
         {{.whitePoint = 215}, "whites", 0},
-        {{.whitePoint = 210}, "whites", 8},
+        {{.whitePoint = 214}, "whites", 6}, // 6.4
+        {{.whitePoint = 190}, "whites", 16},
         {{.medianLuma = 105}, "shadows", 0},
-        {{.medianLuma = 95}, "shadows", 7},
+        {{.medianLuma = 104}, "shadows", 4}, // 3.85
+        {{.medianLuma = 75}, "shadows", 14},
         {{.whitePoint = 246}, "highlights", 0},
+        {{.whitePoint = 247}, "highlights", -10}, // -9.9
         {{.whitePoint = 255}, "highlights", -17}, // -17.1
-        {{.contrastSpread = 0}, "contrast", 36},
+        {{.contrastSpread = 71}, "contrast", 24}, // 39.5 counts as 40
+        {{.contrastSpread = 0}, "contrast", 36}, // held
+        {{.contrastSpread = 70}, "clarity", 19}, // 19.2
         {{.contrastSpread = 0}, "clarity", 28}, // 27.6
-        {{.meanSaturation = 0}, "vibrance", 48},
+        {{.meanSaturation = 99}, "vibrance", 20},
+        {{.meanSaturation = 20}, "vibrance", 34},
+        {{.meanSaturation = -9}, "vibrance", 48},
         {{.haze = 40}, "dehaze", 22},
         {{.haze = 400}, "dehaze", 30},
         {{.medianLuma = 255}, "vignette", -14},
@@ -250,26 +288,71 @@ TEST(LooksPop, AnswersToThePicture)
 
 TEST(LooksPop, LeansAsTheTenthDrawSays)
 {
+    const Adjustments::AdjustMap upright{
+        {"exposure", -1}, {"blacks", 0},  {"whites", 0},    {"shadows", 0}, {"highlights", 0},
+        {"contrast", 8},  {"clarity", 8}, {"vibrance", 15}, {"dehaze", 0},  {"vignette", -14}};
+    const Adjustments::AdjustMap warm{{"temperature", 12}, {"vibrance", 4}};
+    const Adjustments::AdjustMap filmic{{"highlights", -5}, {"contrast", -5}, {"vibrance", 4}};
     const struct {
         double draw;
         const char* phrase;
+        Adjustments::AdjustMap additions;
     } cases[] = {
-        {0, "warm."},   {0.2, "cool."}, {0.6, "gritty."}, {0x1.fffffffffffffp-1, "filmic."},
-        {1, "filmic."}, {7, "filmic."}, {-1, "warm."},    {nan, "warm."},
+        {0, "warm.", warm},
+        {0.2, "cool.", {{"temperature", -10}}},
+        {0.4, "punchy color.", {{"vibrance", 12}, {"saturation", 5}}},
+        {0.6, "gritty.", {{"clarity", 8}, {"contrast", 6}}},
+        {0x1.fffffffffffffp-1, "filmic.", filmic},
+        {1, "filmic.", filmic},
+        {7, "filmic.", filmic},
+        {-1, "warm.", warm},
+        {nan, "warm.", warm},
     };
     for (const auto& c : cases) {
-        std::vector<double> draws(9, 0.5);
-        draws.push_back(c.draw);
-        EXPECT_TRUE(Looks::pop({}, drawing(draws)).reason.ends_with(c.phrase)) << c.draw;
+        SCOPED_TRACE(c.draw);
+        Adjustments::AdjustMap expected = upright;
+        for (const auto& [key, value] : c.additions)
+            expected[key] += value;
+        const Looks::Look look =
+            Looks::pop({}, drawing({.5, .5, .5, .5, .5, .5, .5, .5, .5, c.draw}));
+        EXPECT_EQ(look.adjustments, expected);
+        EXPECT_EQ(look.reason, std::string("A balanced lift across the range — ") + c.phrase);
     }
-    const auto warm = Looks::pop({}, drawing({.5, .5, .5, .5, .5, .5, .5, .5, .5, 0})).adjustments;
-    EXPECT_EQ(warm.at("temperature"), 12);
-    EXPECT_EQ(warm.at("vibrance"), 19);
-    EXPECT_FALSE(warm.contains("saturation"));
     for (int i = 0; i < 100; ++i) {
         const double drawn = Looks::systemRandom();
         EXPECT_TRUE(drawn >= 0 && drawn < 1) << drawn;
     }
+}
+
+TEST(LooksPop, KeepsItsSlidersInRange)
+{
+    struct Range {
+        double lowest;
+        double highest;
+        bool operator==(const Range&) const = default;
+    };
+    const std::map<std::string, Range> expected = {
+        {"exposure", {-30, 30}},   {"contrast", {-10, 55}},    {"clarity", {0, 45}},
+        {"vibrance", {0, 55}},     {"saturation", {-10, 30}},  {"dehaze", {0, 35}},
+        {"blacks", {-25, 22}},     {"whites", {-12, 32}},      {"shadows", {-15, 45}},
+        {"highlights", {-40, 15}}, {"temperature", {-20, 20}},
+    };
+    std::map<std::string, Range> bounds;
+    for (const Looks::Bound& bound : Looks::popBounds)
+        bounds[bound.key] = {bound.lowest, bound.highest};
+    EXPECT_TRUE(bounds == expected);
+
+    // No lean reaches the ends of the two sliders that only leans move; an unruly source of jitter
+    // reaches those of all others.
+    const auto low = Looks::pop({}, [] { return -1000.0; }).adjustments; // leans to warm
+    const auto high = Looks::pop({}, [] { return 1000.0; }).adjustments; // to filmic
+    for (const auto& [key, range] : expected) {
+        if (key == "saturation" || key == "temperature")
+            continue;
+        EXPECT_EQ(low.at(key), range.lowest) << key;
+        EXPECT_EQ(high.at(key), range.highest) << key;
+    }
+    EXPECT_EQ(low.at("vignette"), -14);
 }
 
 TEST(LooksApply, ScalesEveryValue)

@@ -24,21 +24,25 @@ TEST(Heal, TakesThePatchFromTowardsTheMiddle)
     const struct {
         HealSpot spot;
         int x, y; // a pixel in the middle of the spot
-        int sourceX, sourceY;
+        double sourceX, sourceY;
     } cases[] = {
         {{0.2, 0.25, 0.05}, 20, 60, 32, 48}, // upper left: from below, to the right
         {{0.8, 0.75, 0.05}, 80, 20, 68, 32}, // lower right: from above, to the left
         {{0.5, 0.5, 0.05}, 50, 40, 38, 28}, // the very middle
-        {{0.2, 0.25, 0}, 20, 60, 25, 55}, // radius 2 at least: 4.8 pixels away
+        {{0.2, 0.25, 0}, 20, 60, 24.8, 55.2}, // radius 2 at least: 4.8 pixels away
     };
-    for (const auto& c : cases) {
-        const CIImage healed = Heal::apply(image, {c.spot});
-        expectExtent(healed, image.extent());
-        const Color patch = pixel(healed, c.x, c.y);
-        EXPECT_NEAR(patch[0] * 64, c.sourceX, 0.3) << c.x;
-        EXPECT_NEAR(patch[1] * 64, c.sourceY, 0.3) << c.x;
-        // Beyond the radius nothing changes, to the bit.
-        EXPECT_EQ(pixel(healed, c.x + 6, c.y), pixel(image, c.x + 6, c.y));
+    for (const auto& [left, bottom] : {std::pair(0, 0), std::pair(-37, 13)}) {
+        SCOPED_TRACE(left);
+        const CIImage placed = image.transformed(CGAffineTransform::translation(left, bottom));
+        for (const auto& c : cases) {
+            const CIImage healed = Heal::apply(placed, {c.spot});
+            expectExtent(healed, placed.extent());
+            const Color patch = pixel(healed, left + c.x, bottom + c.y);
+            EXPECT_NEAR(patch[0] * 64, c.sourceX, 1e-3) << c.x;
+            EXPECT_NEAR(patch[1] * 64, c.sourceY, 1e-3) << c.x;
+            // Beyond the radius nothing changes, to the bit.
+            EXPECT_EQ(pixel(healed, left + c.x + 6, bottom + c.y), pixel(image, c.x + 6, c.y));
+        }
     }
 }
 
@@ -51,8 +55,9 @@ TEST(Heal, FadesFromSixTenthsOfTheRadiusOn)
     });
     const CIImage healed = Heal::apply(image, {{0.25, 0.25, 0.1}});
     EXPECT_NEAR(pixel(healed, 50, 150)[0], 1, 1e-5f);
-    EXPECT_NEAR(pixel(healed, 39, 150)[0], 1, 1e-5f);
-    EXPECT_NEAR(pixel(healed, 34, 150)[0], 0.5f, 0.07f); // 15.5 of 12 .. 20 pixels out
+    EXPECT_NEAR(pixel(healed, 38, 150)[0], 1, 1e-5f); // 11.51 pixels out
+    EXPECT_NEAR(pixel(healed, 34, 150)[0], 0.56149f, 1e-4f); // 15.508 of 12 .. 20 pixels out
+    EXPECT_NEAR(pixel(healed, 30, 150)[0], 0.06170f, 1e-4f); // 19.506
     EXPECT_EQ(pixel(healed, 29, 150)[0], 0);
 }
 

@@ -109,15 +109,64 @@ TEST(Kernels, FollowTheirFormulas)
 
 TEST(Kernels, MaskSharpeningByDetail)
 {
-    const auto masked = [](float blurred) {
-        return pixel(
-            Kernels::maskedSharpen(grey(2, 2, 0.4f), grey(2, 2, 0.6f), grey(2, 2, blurred), 0.01),
-            0, 0)[0];
+    // How much of the sharpened picture shows where it differs from the blurred one by a colour, at
+    // a threshold of 0.01; smoothstep(0.01, 0.04, luminance).
+    const struct {
+        Color difference;
+        double share;
+    } cases[] = {
+        {{0.01f, 0.01f, 0.01f, 0}, 0}, {{0.02f, 0.02f, 0.02f, 0}, 0.259259},
+        {{0.04f, 0.04f, 0.04f, 0}, 1}, {{-0.02f, -0.02f, -0.02f, 0}, 0.259259},
+        {{0.1f, 0, 0, 0}, 0.316875},   {{0, 0.03f, 0, 0}, 0.326097},
+        {{0, 0, 0.3f, 0}, 0.335760},   {{0.1f, -0.03f, 0, 0}, 0}, // the colours cancel out
+        {{0, 0, 0, 0.4f}, 0}, // opacity is no detail
     };
-    EXPECT_NEAR(masked(0.395f), 0.4f, 1e-6f); // below the threshold
-    EXPECT_NEAR(masked(0.38f), 0.451852f, 1e-5f);
-    EXPECT_NEAR(masked(0.3f), 0.6f, 1e-6f);
-    EXPECT_NEAR(masked(0.5f), 0.6f, 1e-6f); // darker or lighter alike
+    const Color original{0.3f, 0.35f, 0.4f, 0.5f};
+    const Color sharpened{0.5f, 0.2f, 0.8f, 0.9f};
+    for (const auto& c : cases) {
+        Color blurred;
+        Color expected;
+        for (size_t i = 0; i < 4; ++i) {
+            blurred[i] = original[i] - c.difference[i];
+            expected[i] = original[i] + float(c.share) * (sharpened[i] - original[i]);
+        }
+        const auto flat = [](const Color& color) { return constant(2, 2, color, false); };
+        expectNear(
+            pixel(Kernels::maskedSharpen(flat(original), flat(sharpened), flat(blurred), 0.01), 0,
+                  0),
+            expected);
+    }
+}
+
+TEST(KernelsMixer, SharesEachHueAmongTheBandsAround)
+{
+    // A colour of saturation 0.25 tells by its new saturation how much of it a band has.
+    const double centers[] = {0, 30, 60, 120, 180, 240, 280, 320};
+    for (const int hue : {10, 45, 75, 100, 150, 200, 225, 265, 300, 345}) {
+        const double position = hue / 60.0;
+        const double middle = 0.3 + 0.2 * (1 - std::abs(std::fmod(position, 2) - 1));
+        const double high = 0.5;
+        const double low = 0.3;
+        const double sextants[6][3] = {{high, middle, low}, {middle, high, low},
+                                       {low, high, middle}, {low, middle, high},
+                                       {middle, low, high}, {high, low, middle}};
+        const double* rgb = sextants[hue / 60];
+        const Color in{float(rgb[0]), float(rgb[1]), float(rgb[2]), 1};
+        double weights[8];
+        double sum = 0;
+        for (size_t i = 0; i < 8; ++i) {
+            const double distance = std::abs(hue - centers[i]);
+            const double near = std::max(1 - std::min(distance, 360 - distance) / 60, 0.0);
+            weights[i] = near * near;
+            sum += weights[i];
+        }
+        for (size_t i = 0; i < 8; ++i) {
+            const Color out = through(mixer(none, band(i, 1), none), in);
+            const auto [least, most] = std::minmax({out[0], out[1], out[2]});
+            EXPECT_NEAR((most - least) / (most + least), 0.25 * (1 + weights[i] / sum), 2e-5)
+                << "band " << i << " of hue " << hue;
+        }
+    }
 }
 
 TEST(Kernels, SpreadGrainEvenlyAndByPosition)

@@ -124,6 +124,7 @@ TEST(Kernels, MaskSharpeningByDetail)
     const Color original{0.3f, 0.35f, 0.4f, 0.5f};
     const Color sharpened{0.5f, 0.2f, 0.8f, 0.9f};
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.difference));
         Color blurred;
         Color expected;
         for (size_t i = 0; i < 4; ++i) {

@@ -182,6 +182,7 @@ TEST(LooksAll, FitsTheRecipesToThePicture)
     }
     expectLooks(Looks::all(middling), forMiddling);
     expectLooks(Looks::all(worst), forWorst);
+    EXPECT_EQ(Looks::all({.contrastSpread = 62})[0].adjustments.at("contrast"), 29); // 29.4
 }
 
 TEST(LooksAll, SaysWhyItLiftsThePicture)
@@ -242,6 +243,7 @@ TEST(LooksPop, AnswersToThePicture)
         double expected; // without jitter; the lean adds 12 to vibrance
     } cases[] = {
         {{.medianLuma = 86.25}, "exposure", 12}, // 12.4
+        {{.medianLuma = 120.3}, "exposure", 2}, // 1.504
         {{.medianLuma = 0}, "exposure", 30}, // held
         {{.medianLuma = 255}, "exposure", -30},
         {{.blackPoint = 30}, "blacks", 0},
@@ -252,21 +254,25 @@ TEST(LooksPop, AnswersToThePicture)
         {{.blackPoint = 8}, "blacks", 0},
         {{.whitePoint = 215}, "whites", 0},
         {{.whitePoint = 214}, "whites", 6}, // 6.4
-        {{.whitePoint = 190}, "whites", 16},
+        {{.whitePoint = 191}, "whites", 16}, // 15.6
         {{.medianLuma = 105}, "shadows", 0},
         {{.medianLuma = 104}, "shadows", 4}, // 3.85
+        {{.medianLuma = 103}, "shadows", 4}, // 4.2
+        {{.medianLuma = 102}, "shadows", 5}, // 4.55
         {{.medianLuma = 75}, "shadows", 14},
         {{.whitePoint = 246}, "highlights", 0},
         {{.whitePoint = 247}, "highlights", -10}, // -9.9
         {{.whitePoint = 255}, "highlights", -17}, // -17.1
-        {{.contrastSpread = 71}, "contrast", 24}, // 39.5 counts as 40
+        {{.contrastSpread = 73}, "contrast", 24}, // 23.6, from a need of 38.5 that counts as 39
+        {{.contrastSpread = 68}, "contrast", 24}, // 24.4, from 41
         {{.contrastSpread = 0}, "contrast", 36}, // held
         {{.contrastSpread = 70}, "clarity", 19}, // 19.2
         {{.contrastSpread = 0}, "clarity", 28}, // 27.6
         {{.meanSaturation = 99}, "vibrance", 20},
         {{.meanSaturation = 20}, "vibrance", 34},
         {{.meanSaturation = -9}, "vibrance", 48},
-        {{.haze = 40}, "dehaze", 22},
+        {{.haze = 53}, "dehaze", 29}, // 29.15
+        {{.haze = 54}, "dehaze", 30}, // 29.7
         {{.haze = 400}, "dehaze", 30},
         {{.medianLuma = 255}, "vignette", -14},
     };
@@ -326,21 +332,16 @@ TEST(LooksPop, LeansAsTheTenthDrawSays)
 
 TEST(LooksPop, KeepsItsSlidersInRange)
 {
-    struct Range {
-        double lowest;
-        double highest;
-        bool operator==(const Range&) const = default;
-    };
-    const std::map<std::string, Range> expected = {
+    const std::map<std::string, std::pair<double, double>> expected = {
         {"exposure", {-30, 30}},   {"contrast", {-10, 55}},    {"clarity", {0, 45}},
         {"vibrance", {0, 55}},     {"saturation", {-10, 30}},  {"dehaze", {0, 35}},
         {"blacks", {-25, 22}},     {"whites", {-12, 32}},      {"shadows", {-15, 45}},
         {"highlights", {-40, 15}}, {"temperature", {-20, 20}},
     };
-    std::map<std::string, Range> bounds;
+    std::map<std::string, std::pair<double, double>> bounds;
     for (const Looks::Bound& bound : Looks::popBounds)
         bounds[bound.key] = {bound.lowest, bound.highest};
-    EXPECT_TRUE(bounds == expected);
+    EXPECT_EQ(bounds, expected);
 
     // No lean reaches the ends of the two sliders that only leans move; an unruly source of jitter
     // reaches those of all others.
@@ -349,8 +350,8 @@ TEST(LooksPop, KeepsItsSlidersInRange)
     for (const auto& [key, range] : expected) {
         if (key == "saturation" || key == "temperature")
             continue;
-        EXPECT_EQ(low.at(key), range.lowest) << key;
-        EXPECT_EQ(high.at(key), range.highest) << key;
+        EXPECT_EQ(low.at(key), range.first) << key;
+        EXPECT_EQ(high.at(key), range.second) << key;
     }
     EXPECT_EQ(low.at("vignette"), -14);
 }

@@ -43,17 +43,29 @@ TEST(Pipeline, RunsTheStagesThatTheRecordAsksFor)
         AdjustMap map;
         std::vector<std::string> expected;
     } cases[] = {
+        {{{"lensDistortion", 5}}, {"lens"}},
         {{{"lensFringe", -5}}, {"lens"}},
+        {{{"perspectiveV", -5}}, {"perspective"}},
         {{{"perspectiveH", 5}}, {"perspective"}},
+        {{{"temperature", -5}}, {"white balance"}},
         {{{"tint", 5}}, {"white balance"}},
         {{{"highlights", -5}}, {"highlights and shadows"}},
+        {{{"shadows", 5}}, {"highlights and shadows"}},
+        {{{"whites", -5}}, {"whites and blacks"}},
         {{{"blacks", 5}}, {"whites and blacks"}},
         {{{"dehaze", -5}, {"clarity", -5}, {"texture", -5}}, {"texture", "clarity", "dehaze"}},
+        {{{"noiseReduction", 5}}, {"noise reduction"}},
         {{{"colorNoiseReduction", 5}}, {"noise reduction"}},
+        {{{"levelsBlackIn", 1}}, {"levels"}},
+        {{{"levelsWhiteIn", 254}}, {"levels"}},
+        {{{"levelsBlackOut", 1}}, {"levels"}},
         {{{"levelsWhiteOut", 254}}, {"levels"}},
         {{{"levelsGamma", 99}}, {"levels"}},
+        {{{"hueRed", 5}}, {"colour mixer"}},
         {{{"satBlue", -5}}, {"colour mixer"}},
+        {{{"lumMagenta", 5}}, {"colour mixer"}},
         {{{"vignette", -5}}, {"vignette"}},
+        {{{"shadowTint", 5}}, {"split tone"}},
         {{{"highlightTint", -5}}, {"split tone"}},
         // Settings of a stage that is off, and negative amounts of one-sided sliders.
         {{{"sharpenRadius", 3},
@@ -234,6 +246,7 @@ TEST(Pipeline, MixesTheColourTableByItsAmount)
                        {0.2f, 0.3f, 0.6f, 1});
     };
     expectNear(at(100), {0.6f, 0.3f, 0.2f, 1});
+    expectNear(at(Adjustments().lutAmount), {0.6f, 0.3f, 0.2f, 1}); // whole when nothing is said
     expectNear(at(140), {0.6f, 0.3f, 0.2f, 1});
     expectNear(at(25), {0.3f, 0.3f, 0.5f, 1});
     expectNear(at(0), {0.2f, 0.3f, 0.6f, 1}, 0);

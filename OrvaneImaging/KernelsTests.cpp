@@ -107,6 +107,25 @@ TEST(Kernels, FollowTheirFormulas)
     }
 }
 
+TEST(Kernels, LeaveOpacityAlone)
+{
+    const Operation operations[] = {
+        contrast(1.5),
+        whitesBlacks(0.5, -0.5),
+        splitTone(1, -1),
+        mixer(band(5, 1), none, none),
+        [](const CIImage& i) { return Kernels::grain(i, 0.1); },
+        [](const CIImage& i) { return Kernels::lens(i, 0, 1); },
+    };
+    const Color color{0.1f, 0.2f, 0.4f, 0.5f};
+    const CIImage pane = constant(3, 3, color, false);
+    for (const Operation& operation : operations) {
+        const Color opaque = through(operation, color);
+        // Colours count as they are stored.
+        expectNear(pixel(operation(pane), 1, 1), {opaque[0], opaque[1], opaque[2], 0.5f});
+    }
+}
+
 TEST(Kernels, MaskSharpeningByDetail)
 {
     // How much of the sharpened picture shows where it differs from the blurred one by a colour, at
@@ -187,10 +206,19 @@ TEST(Kernels, SpreadGrainEvenlyAndByPosition)
         EXPECT_NEAR(grained(0.5f, x, y), noise * 2 * amp, 0.02 * 2 * amp) << x << ", " << y;
         EXPECT_NEAR(grained(0.25f, x, y), grained(0.5f, x, y) * 0.65, 2e-6) << x << ", " << y;
     }
+    // By luminance, 0.3576 of this green.
+    const auto green = Kernels::grain(constant(1, 1, {0, 0.5f, 0, 1}), amp);
+    EXPECT_NEAR(pixel(green, 0, 0)[1] - 0.5f, grained(0.5f, 0, 0) * 0.80064, 2e-6);
     double sum = 0;
-    for (int i = 0; i < 400; ++i)
-        sum += grained(0.5f, i * 7 % 400, i * 13 % 371) / (2 * amp);
-    EXPECT_NEAR(sum / 400, 0, 0.05);
+    double largest = 0;
+    for (int i = 0; i < 400; ++i) {
+        const double change = grained(0.5f, i * 7 % 400, i * 13 % 371) / amp;
+        sum += change;
+        largest = std::max(largest, std::abs(change));
+    }
+    EXPECT_NEAR(sum / 400, 0, 0.1);
+    EXPECT_GT(largest, 0.99);
+    EXPECT_LT(largest, 1 + 1e-5);
     EXPECT_NE(grained(0.5f, 10, 10), grained(0.5f, 11, 10));
 }
 
@@ -212,10 +240,13 @@ TEST(KernelsLens, MovesColoursApartAndCornersOutwards)
     });
     // 30.5 pixels right of the middle, on the middle line: rn^2 = 30.5^2 / 5000.
     const double scale = 1 + 0.5 * 0.35 * (30.5 * 30.5 + 0.25) / 5000;
-    const Color color = pixel(Kernels::lens(image, 0.5, 1), 80, 50);
-    EXPECT_NEAR(color[0] * 100, 49.5 + 30.5 * scale * 1.02, 2e-3);
-    EXPECT_NEAR(color[1] * 100, 49.5 + 0.5 * scale, 2e-3);
-    EXPECT_NEAR(color[2] * 100, 49.5 + 30.5 * scale * 0.98, 2e-3);
+    for (const auto& [left, bottom] : {std::pair(0, 0), std::pair(-37, 13)}) {
+        const CIImage placed = image.transformed(CGAffineTransform::translation(left, bottom));
+        const Color color = pixel(Kernels::lens(placed, 0.5, 1), left + 80, bottom + 50);
+        EXPECT_NEAR(color[0] * 100, 49.5 + 30.5 * scale * 1.02, 2e-3) << left;
+        EXPECT_NEAR(color[1] * 100, 49.5 + 0.5 * scale, 2e-3) << left;
+        EXPECT_NEAR(color[2] * 100, 49.5 + 30.5 * scale * 0.98, 2e-3) << left;
+    }
     // Positions beyond the frame repeat its edge.
     expectNear(pixel(Kernels::lens(image, 1, 0), 99, 99), {0.99f, 0.99f, 0.99f, 1}, 1e-4f);
 }

@@ -78,6 +78,8 @@ TEST(Relight, AppliesTheFourAmountsInAGammaSpace)
         expectNear(through([&](const CIImage& i) { return Relight::apply(i, c.lights); }, c.in),
                    c.expected, 1e-4f);
     }
+    const CIImage pane = constant(3, 3, {0.1f, 0.1f, 0.1f, 0.5f}, false);
+    EXPECT_EQ(pixel(Relight::apply(pane, {light(50, 20, 30, 40)}), 1, 1)[3], 0.5f);
 }
 
 /// How much of a light of brightness 50 arrives at a pixel of a grey picture: 0..1.
@@ -94,6 +96,8 @@ TEST(Relight, ShapesLightsFromTheTopLeftInPartsOfTheLongEdge)
     const Light round{.x = 0.3, .y = 0.25, .radius = 0.2, .brightness = 50};
     Light soft = round;
     soft.feather = 1;
+    Light halfSoft = round;
+    halfSoft.feather = 0.5;
     Light outside = round;
     outside.invert = true;
     // Across 40 pixels about x = 50; or about y = 30, growing downwards.
@@ -111,7 +115,10 @@ TEST(Relight, ShapesLightsFromTheTopLeftInPartsOfTheLongEdge)
     Light back = slanted;
     back.invert = true;
     const Light high{.x = 0, .y = 0, .radius = 0.1, .brightness = 50};
-    const Light tiny{.x = 0.305, .y = 0.5 - 0.5 / 60, .radius = 1e-6, .brightness = 50};
+    // Less than a pixel, between the middles of two.
+    const Light tiny{.x = 0.308, .y = 0.5 - 0.5 / 60, .radius = 1e-6, .brightness = 50};
+    Light step = tiny;
+    step.type = "linear";
     const struct {
         const char* what;
         Light light;
@@ -121,6 +128,9 @@ TEST(Relight, ShapesLightsFromTheTopLeftInPartsOfTheLongEdge)
         {"hard edge, within", round, 49, 44, 1},
         {"hard edge, beyond", round, 50, 44, 0},
         {"soft, half way", soft, 40, 44, 0.461}, // t = 0.5256
+        {"half soft, core", halfSoft, 38, 44, 1}, // t = 0.4258
+        {"half soft, begins to fall", halfSoft, 40, 44, 0.9923}, // t = 0.5256
+        {"half soft, half way", halfSoft, 45, 44, 0.4241}, // t = 0.7754
         {"inverted, within", outside, 30, 44, 0},
         {"inverted, beyond", outside, 70, 44, 1},
         {"ramp, before", ramp, 29, 10, 0},
@@ -137,8 +147,9 @@ TEST(Relight, ShapesLightsFromTheTopLeftInPartsOfTheLongEdge)
         {"inverted, after", back, 80, 10, 0},
         {"in the corner", high, 6, 53, 1},
         {"beyond the corner", high, 7, 52, 0},
-        {"a pixel at least", tiny, 30, 30, 1},
-        {"no more than a pixel", tiny, 31, 30, 0},
+        {"a pixel at least", tiny, 31, 30, 1},
+        {"no more than a pixel", tiny, 29, 30, 0},
+        {"two pixels of ramp", step, 31, 30, 0.85},
     };
     for (const CGPoint origin : {CGPoint{0, 0}, CGPoint{-37, 13}}) {
         SCOPED_TRACE(origin.x);

@@ -1,5 +1,5 @@
 // What each slider stands for: the stage's picture against one operation with its numbers written
-// out. A hundredth of a number more or less shows.
+// out. A number off by a fiftieth shows.
 #include "Stages.h"
 
 #include "Filters/CIFilter.h"
@@ -149,7 +149,7 @@ TEST(Stages, SharpenAndSmoothByTheirSliders)
 
 TEST(Stages, HandSlidersToTheirOperations)
 {
-    const CIImage image = detailed(80, 60);
+    const CIImage image = detailed(60, 80);
     const CIColor brown{0.341, 0.2603333, 0.099, 1}; // a hue of 40
     const CIColor paleBlue{0.67, 0.7433333, 0.89, 1}; // 220
     const CIColor purple{0.341, 0.099, 0.341, 1}; // 300
@@ -158,11 +158,12 @@ TEST(Stages, HandSlidersToTheirOperations)
         return CIFilter::dissolveTransition(image, CIFilter::falseColor(image, dark, light), share);
     };
     const auto darkCorners = [&](double radius, double intensity) {
-        return CIFilter::vignetteEffect(image, {40, 30}, radius, intensity, 0.5);
+        return CIFilter::vignetteEffect(image, {30, 40}, radius, intensity, 0.5);
     };
     expectRows(
         image,
         {{{{"lensDistortion", -40}, {"lensFringe", 70}}, Kernels::lens(image, -0.4, 0.7)},
+         {{{"highlights", -40}, {"shadows", 30}}, CIFilter::highlightShadowAdjust(image, 0.6, 0.3)},
          {{{"whites", 40}, {"blacks", -30}}, Kernels::whitesBlacks(image, 0.4, -0.3)},
          {{{"contrast", 50}}, Kernels::contrast(image, 2.9543726)},
          {{{"contrast", -50}}, Kernels::contrast(image, 0.3350582)},

@@ -28,7 +28,7 @@ CIImage perspective(const CIImage& image, const Adjustments& a)
                                                            .topRight = corner(1, -1),
                                                            .bottomRight = corner(1, 1),
                                                            .bottomLeft = corner(-1, 1)});
-    // Stretched edge pixels in the wedges that open, never transparency.
+    // In the wedges that open the picture as it was shows on, never transparency.
     return turned.compositedOver(image.clampedToExtent()).cropped(extent);
 }
 

@@ -260,8 +260,6 @@ int bytesPerPixel(PixelFormat format)
 
 namespace {
 
-constexpr int chunk = 256;
-
 void floatPixels(const float* const planes[4], int count, uint8_t* to)
 {
     auto* floats = static_cast<float*>(static_cast<void*>(to));
@@ -271,7 +269,7 @@ void floatPixels(const float* const planes[4], int count, uint8_t* to)
     }
 }
 
-void narrowChunk(const float* const planes[4], int count, PixelFormat format, uint8_t* to)
+void narrowRun(const float* const planes[4], int count, PixelFormat format, uint8_t* to)
 {
     switch (format) {
     case PixelFormat::RGB8:
@@ -297,17 +295,18 @@ void narrowChunk(const float* const planes[4], int count, PixelFormat format, ui
 
 void narrowRow(const float* const planes[4], int count, PixelFormat format, uint8_t* to)
 {
-    // Whole vectors go to a row of our own: what follows the pixels in the target is another
+    const int whole = count / rowPadding * rowPadding;
+    narrowRun(planes, whole, format, to);
+    if (whole == count)
+        return;
+    // The last vector goes to a row of our own: what follows the pixels in the target is another
     // tile's.
-    alignas(64) uint8_t row[(chunk + rowPadding) * 16];
+    alignas(64) uint8_t row[rowPadding * 16];
+    const float* const rest[4] = {planes[0] + whole, planes[1] + whole, planes[2] + whole,
+                                  planes[3] ? planes[3] + whole : nullptr};
     const auto pixelBytes = size_t(bytesPerPixel(format));
-    for (int i = 0; i < count; i += chunk) {
-        const float* const part[4] = {planes[0] + i, planes[1] + i, planes[2] + i,
-                                      planes[3] ? planes[3] + i : nullptr};
-        const int width = std::min(chunk, count - i);
-        narrowChunk(part, width, format, row);
-        std::memcpy(to + size_t(i) * pixelBytes, row, size_t(width) * pixelBytes);
-    }
+    narrowRun(rest, count - whole, format, row);
+    std::memcpy(to + size_t(whole) * pixelBytes, row, size_t(count - whole) * pixelBytes);
 }
 
 } // namespace orvane

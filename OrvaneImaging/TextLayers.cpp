@@ -111,7 +111,7 @@ std::vector<Layer> drawnItems(const std::vector<Item>& items, const Frame& frame
 
 /// Layers that lie over one another are one, blended as sRGB bytes: text over text has the edges
 /// and shadows of one drawing. What lies apart stays in small rectangles.
-std::vector<Layer> joined(const std::vector<Layer>& layers)
+std::vector<PlacedBitmap> joined(const std::vector<Layer>& layers)
 {
     std::vector<std::vector<size_t>> groups; // members in order
     for (size_t i = 0; i < layers.size(); ++i) {
@@ -127,10 +127,10 @@ std::vector<Layer> joined(const std::vector<Layer>& layers)
         std::ranges::sort(members);
         groups.push_back(std::move(members));
     }
-    std::vector<Layer> result;
+    std::vector<PlacedBitmap> result;
     for (const std::vector<size_t>& group : groups) {
         if (group.size() == 1) {
-            result.push_back(layers[group.front()]);
+            result.push_back(layers[group.front()].drawing);
             continue;
         }
         DigestBuilder key;
@@ -139,13 +139,12 @@ std::vector<Layer> joined(const std::vector<Layer>& layers)
             key.add(layers[member].key);
             drawings.push_back(layers[member].drawing);
         }
-        const Digest digest = key.digest();
         try {
             result.push_back(
-                {recentDrawings().drawing(digest, [&] { return laidTogether(drawings); }), digest});
+                recentDrawings().drawing(key.digest(), [&] { return laidTogether(drawings); }));
         } catch (const std::bad_alloc&) {
             for (const size_t member : group)
-                result.push_back(layers[member]);
+                result.push_back(layers[member].drawing);
         }
     }
     return result;
@@ -160,8 +159,7 @@ CIImage draw(const std::vector<Item>& items, const CIImage& image)
         return image;
     const Frame frame{int(std::lround(extent.width())), int(std::lround(extent.height()))};
     CIImage result = image;
-    for (const Layer& layer : joined(drawnItems(items, frame))) {
-        const PlacedBitmap& drawn = layer.drawing;
+    for (const PlacedBitmap& drawn : joined(drawnItems(items, frame))) {
         const double bottom = extent.maxY() - drawn.y - drawn.bitmap->height();
         result = CIImage::withBitmap(drawn.bitmap)
                      .transformed(CGAffineTransform::translation(extent.minX() + drawn.x, bottom))

@@ -209,6 +209,25 @@ TEST(Tiles, ABlurThatAMaskFadesInIsDrawnWhereTheMaskAsksForIt)
     }
 }
 
+TEST(Tiles, BlursOfOnePictureAreOneButAtItsEdges)
+{
+    for (const int channels : {3, 4}) {
+        const CIImage picture = CIFilter::exposureAdjust(photograph(90, 80, channels), 0.3);
+        const CIImage sharp = CIFilter::unsharpMask(picture, 1.7, 0.8); // edges repeated
+        const CIImage soft = CIFilter::gaussianBlur(picture, 1.7).cropped(picture.extent());
+        for (const CIImage& image : {CIFilter::dissolveTransition(sharp, soft, 0.4),
+                                     CIFilter::dissolveTransition(soft, sharp, 0.4)}) {
+            const auto exact = reference(image, pixels(image));
+            const auto fast = tiled(image, pixels(image));
+            for (size_t i = 0; i < fast.size(); ++i)
+                ASSERT_NEAR(fast[i], exact[i], 2e-5) << "pixel " << i / 4;
+            EXPECT_EQ(drawn(image, CIContext({.tileWidth = 13, .tileHeight = 9}),
+                            PixelFormat::RGBAFloat),
+                      drawn(image, CIContext(), PixelFormat::RGBAFloat));
+        }
+    }
+}
+
 TEST(Tiles, AWeightedSumOfOnesIsTheSameInsideAndAtTheEdge)
 {
     // The middle of each lies within opaque pixels, its rim does not.

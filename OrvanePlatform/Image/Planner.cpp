@@ -112,8 +112,10 @@ public:
             collectPasses();
         while (storeShared() || storeWideWindows() || storeFarReads() || storeBeforeTails());
         settleRegions();
-        for (PlanPass& pass : m_plan.passes)
+        for (PlanPass& pass : m_plan.passes) {
+            shareBlurs(pass);
             chooseTiles(pass, tileWidth, tileHeight);
+        }
         return std::move(m_plan);
     }
 
@@ -469,6 +471,26 @@ private:
         const StoredPlan& stored = m_plan.stored[target];
         const auto* histogram = stored.node->as<HistogramNode>();
         return histogram ? histogram->region : stored.region;
+    }
+
+    // ---- Blurs within a pass ----
+
+    static void shareBlurs(PlanPass& pass)
+    {
+        std::map<std::tuple<uint64_t, uint64_t, float>, int> blurs;
+        for (size_t i = 0; i < pass.steps.size(); ++i) {
+            PlanStep& step = pass.steps[i];
+            const auto* blur = step.node->as<GaussianNode>();
+            if (!blur || step.stored >= 0)
+                continue;
+            const Digest& picture = averagedNode(*step.node).digest;
+            const auto [same, first] =
+                blurs.try_emplace({picture.high, picture.low, blur->sigma}, int(i));
+            if (first)
+                continue;
+            step.sameBlur = same->second;
+            ++pass.steps[size_t(step.sameBlur)].readers;
+        }
     }
 
     // ---- Tiles ----

@@ -31,6 +31,9 @@ struct PlanStep {
     const Node* node = nullptr;
     std::vector<int> inputs; ///< steps of the same pass
     int stored = -1; ///< a leaf: read from this stored image
+    /// Of a blur: an earlier one of the same picture, equally wide. Only what lies around the
+    /// picture may tell the two apart, so further inside this one's pixels are that one's.
+    int sameBlur = -1;
     int readers = 0;
 };
 

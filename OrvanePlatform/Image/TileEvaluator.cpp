@@ -87,12 +87,16 @@ TileEvaluator::TileEvaluator(const PlanPass& pass, const std::vector<StoredPlan>
     , m_runs(arena, check)
 {
     std::vector<bool> readLater(pass.steps.size(), false);
+    const auto read = [&](size_t reader, int step) {
+        if (step >= 0 && !readLater[size_t(step)])
+            m_lastRead[reader].push_back(size_t(step));
+        if (step >= 0)
+            readLater[size_t(step)] = true;
+    };
     for (size_t i = pass.steps.size(); i-- > 0;) {
-        for (const int input : pass.steps[i].inputs) {
-            if (!readLater[size_t(input)])
-                m_lastRead[i].push_back(size_t(input));
-            readLater[size_t(input)] = true;
-        }
+        for (const int input : pass.steps[i].inputs)
+            read(i, input);
+        read(i, pass.steps[i].sameBlur);
     }
 }
 

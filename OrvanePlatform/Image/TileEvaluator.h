@@ -64,6 +64,7 @@ private:
     void drawSteps(const PixelRect& rect);
     void drawStep(size_t index);
     TilePlanes input(const PlanStep& step, size_t n, const PixelRect& rect);
+    bool isSharedBlur(const PlanStep& step, const PixelRect& window, const PixelRect& rect) const;
     TilePlanes withRecipesAlpha(const PlanStep& step, TilePlanes planes);
     int decidingInput(const PlanStep& step, Cover cover) const;
     TilePlanes pointwiseOutput(size_t index, const PlanStep& step, bool opaque);

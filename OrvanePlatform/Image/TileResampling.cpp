@@ -1,6 +1,7 @@
 // The steps that read more of their input than the pixel itself: resamplings and neighbourhoods.
 
 #include "BilinearWindow.h"
+#include "BlurGrid.h"
 #include "ResampleRows.h"
 #include "RowSums.h"
 #include "TileEvaluator.h"
@@ -97,11 +98,25 @@ TilePlanes TileEvaluator::drawNode(size_t, const PlanStep& step, const HalveNode
     return out;
 }
 
+/// Whether a blur that reads `window` is the earlier one of the same picture: neither saw anything
+/// around the picture.
+bool TileEvaluator::isSharedBlur(const PlanStep& step, const PixelRect& window,
+                                 const PixelRect& rect) const
+{
+    if (step.sameBlur < 0)
+        return false;
+    const auto same = size_t(step.sameBlur);
+    return m_drawn[same].planes.rect.contains(rect)
+        && averagedNode(*step.node).extent.contains(window);
+}
+
 TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const GaussianNode& node,
                                    const PixelRect& rect)
 {
     const int reach = gaussianBorder(node.sigma);
     const PixelRect window = rect.grown(reach);
+    if (isSharedBlur(step, window, rect))
+        return partOf(index, size_t(step.sameBlur), rect);
     // Where nothing but opaque pixels are summed alpha is 1, exactly: it need not be summed.
     const Node& blurred = *step.node->inputs.front();
     const PixelRect solid = blurred.opaque && !blurred.extent.infinite

@@ -43,8 +43,8 @@ constexpr size_t longestTailSearch = 100;
 constexpr double patchLimit = 0.25;
 constexpr int patchesTried = 16;
 constexpr double farLimit = 1.5;
-constexpr int defaultTileWidth = 512;
-constexpr int defaultTileHeight = 64;
+constexpr int defaultTileWidth = 384;
+constexpr int defaultTileHeight = 96;
 constexpr int coarsestFromPixels = 8;
 /// In cells.
 constexpr int keptBlurTileHeight = 128;

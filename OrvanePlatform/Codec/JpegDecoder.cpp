@@ -1,5 +1,6 @@
 #include "FormatDecoders.h"
 #include "JpegMetadata.h"
+#include "PagesAhead.h"
 
 #include <algorithm>
 #include <csetjmp>
@@ -135,7 +136,7 @@ bool readHeader(Session& session, Bytes bytes)
 }
 
 /// All rows, straight into the bitmap.
-bool readRows(Session& session)
+bool readRows(Session& session, PagesAhead& pages)
 {
     if (setjmp(session.escape))
         return false;
@@ -144,6 +145,7 @@ bool readRows(Session& session)
         const JDIMENSION done = session.info.output_scanline;
         jpeg_read_scanlines(&session.info, session.rows.data() + done,
                             session.info.output_height - done);
+        pages.filled(session.bitmap->rowBytes() * done);
     }
     return true;
 }
@@ -199,7 +201,8 @@ Result<DecoderOutput> decodeJpeg(Bytes bytes)
     session.rows.resize(info.image_height);
     for (size_t y = 0; y < session.rows.size(); ++y)
         session.rows[y] = session.bitmap->row(int(y));
-    if (!readRows(session))
+    PagesAhead pages(session.bitmap->row(0), session.bitmap->byteSize());
+    if (!readRows(session, pages))
         return failure(session);
     if (session.endsEarly || (manyScans && session.ranOut))
         return Error{sentence::endsEarly};

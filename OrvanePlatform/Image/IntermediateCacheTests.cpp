@@ -1,10 +1,15 @@
-// What previews keep, and the memory that goes from one to the next.
+// What previews keep, the memory that goes from one to the next, and the fresh memory of sources.
 
 #include "IntermediateCache.h"
+#include "PagesAhead.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <fstream>
+#include <sys/mman.h>
+#include <thread>
 #include <vector>
 
 namespace orvane {
@@ -59,6 +64,39 @@ TEST(SpareMemory, GivesAllBeyondItsLimitToTheSystem)
     }
     spares.reset(); // waits for what is on its way
     EXPECT_LT(addressSpaceBytes(), before + 128 * megabyte);
+}
+
+TEST(PagesAhead, StayALittleAheadAndChangeNothing)
+{
+    constexpr size_t bytes = 4 * PagesAhead::leadBytes;
+    constexpr size_t step = PagesAhead::leadBytes / 8;
+    const PixelMemory memory(bytes);
+    const auto residentBytes = [&] {
+        std::vector<unsigned char> pages(bytes / 4096);
+        mincore(memory.data(), bytes, pages.data());
+        return size_t(std::count(pages.begin(), pages.end(), 1)) * 4096;
+    };
+    if (madvise(memory.data(), 4096, MADV_POPULATE_WRITE) != 0)
+        GTEST_SKIP() << "This system hands pages over as they are written.";
+    {
+        PagesAhead pages(memory.data(), bytes);
+        for (int i = 0; i < 1000 && residentBytes() < PagesAhead::leadBytes / 2; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        EXPECT_GE(residentBytes(), PagesAhead::leadBytes / 2);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_LE(residentBytes(), PagesAhead::leadBytes);
+        for (size_t filled = 0; filled < bytes; filled += step) {
+            std::fill_n(memory.data() + filled, step, uint8_t(filled / step + 1));
+            pages.filled(filled + step);
+        }
+    }
+    for (size_t filled = 0; filled < bytes; filled += step)
+        EXPECT_EQ(std::count(memory.data() + filled, memory.data() + filled + step,
+                             uint8_t(filled / step + 1)),
+                  step);
+    // Left before it has begun, and too little to begin at all.
+    PagesAhead(memory.data(), bytes);
+    PagesAhead(memory.data(), 100).filled(100);
 }
 
 TEST(IntermediateCache, KeepsTheLastTwoOfARoleAndStaysWithinItsBudget)

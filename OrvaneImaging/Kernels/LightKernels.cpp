@@ -108,6 +108,9 @@ struct ApplyLights : PremultipliedKernel<2> {
         const L contrast = in[1].b;
         const L sat = in[1].a;
         const auto dark = abs(bright) + abs(warm) + abs(contrast) + abs(sat) < L(0.001f);
+        // Most lights leave much of a picture alone.
+        if (!anyTrue(select(dark, zero, one) > zero))
+            return s;
 
         using V = Three<L>;
         const L factor = one + clamp(bright, L(-0.9f), L(4.0f));

@@ -5,6 +5,7 @@
 #include "BenchmarkInputs.h"
 #include "Geometry.h"
 #include "Schema.h"
+#include "StolenTime.h"
 
 #include <algorithm>
 #include <chrono>
@@ -173,11 +174,15 @@ int main(int argc, char** argv)
     }
     const std::string part = argc > 3 ? argv[3] : "";
     const CIImage proxy = Geometry::resized(*source, proxyEdge);
-    if (part.empty() || part == "reference")
-        printReference(proxy, *reference);
-    if (part.empty() || part == "sliders")
-        printEverything(proxy, *everything, argc == 5 ? argv[4] : "");
-    if (part.empty() || part == "cancellation")
-        printCancellation(*source, *everything);
+    const auto print = [&](const char* name, const auto& table) {
+        if (!part.empty() && part != name)
+            return;
+        const StolenTime stolen;
+        table();
+        stolen.print();
+    };
+    print("reference", [&] { printReference(proxy, *reference); });
+    print("sliders", [&] { printEverything(proxy, *everything, argc == 5 ? argv[4] : ""); });
+    print("cancellation", [&] { printCancellation(*source, *everything); });
     return 0;
 }

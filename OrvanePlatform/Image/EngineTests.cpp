@@ -221,9 +221,9 @@ TEST(Tiles, BlursOfOnePictureAreOneButAtItsEdges)
             const auto fast = tiled(image, pixels(image));
             for (size_t i = 0; i < fast.size(); ++i)
                 ASSERT_NEAR(fast[i], exact[i], 2e-5) << "pixel " << i / 4;
-            EXPECT_EQ(drawn(image, CIContext({.tileWidth = 13, .tileHeight = 9}),
-                            PixelFormat::RGBAFloat),
-                      drawn(image, CIContext(), PixelFormat::RGBAFloat));
+            EXPECT_EQ(
+                drawn(image, CIContext({.tileWidth = 13, .tileHeight = 9}), PixelFormat::RGBAFloat),
+                drawn(image, CIContext(), PixelFormat::RGBAFloat));
         }
     }
 }

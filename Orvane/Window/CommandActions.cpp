@@ -2,13 +2,13 @@
 
 #include "AppModel.h"
 #include "Commands.h"
+#include "HeldMouse.h"
 #include "Icon.h"
 #include "Shell.h"
 
 #include <QAction>
 #include <QCoreApplication>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStyleOptionMenuItem>
@@ -86,7 +86,7 @@ CommandActions::CommandActions(Shell& shell, QWidget& window)
 
 bool CommandActions::eventFilter(QObject* action, QEvent* event)
 {
-    if (event->type() == QEvent::Shortcut && QGuiApplication::mouseButtons() != Qt::NoButton)
+    if (event->type() == QEvent::Shortcut && isMouseHeld())
         return true;
     return QObject::eventFilter(action, event);
 }

@@ -1,6 +1,7 @@
 #include "OrvaneDelegate.h"
 
 #include "AppModel.h"
+#include "HeldMouse.h"
 #include "OpenEventLog.h"
 #include "PictureFiles.h"
 
@@ -40,7 +41,7 @@ void OrvaneDelegate::accept(const Files& files, std::optional<QFuture<ReadImages
         for (const auto& file : fresh)
             m_recentlyAccepted.erase(file);
     });
-    flushOpens();
+    whenMouseIsFree(this, [this] { flushOpens(); });
 }
 
 void OrvaneDelegate::flushOpens()

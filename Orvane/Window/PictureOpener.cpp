@@ -1,6 +1,7 @@
 #include "PictureOpener.h"
 
 #include "AppModel.h"
+#include "HeldMouse.h"
 #include "SourceKey.h"
 
 #include <QFutureWatcher>
@@ -103,8 +104,10 @@ void PictureOpener::goOn()
     auto* watcher = new QFutureWatcher<ReadImages>(this);
     connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, number = ++m_number] {
         watcher->deleteLater();
-        if (number == m_number)
-            take(watcher->future().takeResult());
+        whenMouseIsFree(this, [this, number, read = watcher->future()]() mutable {
+            if (number == m_number)
+                take(read.takeResult());
+        });
     });
     watcher->setFuture(read);
 }

@@ -91,6 +91,31 @@ TEST_F(StoryTest, KeysWaitUntilASliderIsLetGo)
     EXPECT_EQ(adjusted("contrast"), contrast);
 }
 
+TEST_F(StoryTest, APictureThatComesInWaitsUntilASliderIsLetGo)
+{
+    openFiles({"a.jpg"});
+    unfold("Light");
+    QWindow* window = app->window.windowHandle();
+    DoubleClickSlider& exposure = slider("Exposure");
+    inspector().findChild<QScrollArea*>()->ensureWidgetVisible(&exposure);
+    const QPoint knob = exposure.mapTo(&app->window, exposure.knobCentre().toPoint());
+    // One that was on its way, and one that the desktop sends meanwhile.
+    app->opener.open({picture("b.jpg")}, PictureOpener::How::Append);
+    QTest::mousePress(window, Qt::LeftButton, {}, knob);
+    QTest::mouseMove(window, knob + QPoint(10, 0));
+    app->delegate.accept({picture("c.jpg")});
+    pool.waitForDone();
+    QTest::qWait(200);
+    EXPECT_EQ(model().session.value().size(), 1U);
+    EXPECT_GT(adjusted("exposure"), 0);
+    desktop.answers = {1}; // Discard, to the question about the work of this drag
+    QTest::mouseRelease(window, Qt::LeftButton, {}, knob + QPoint(10, 0));
+    waitFor([&] {
+        const auto& session = model().session.value();
+        return session.size() == 1 && session[0].name == "c.jpg" && !app->opener.isOpening();
+    });
+}
+
 TEST_F(StoryTest, CropsByAHandleAndPlacesALight)
 {
     openFiles({"a.jpg"});

@@ -13,7 +13,7 @@ namespace {
 
 constexpr size_t page = 4096;
 constexpr size_t hugePage = size_t(2) << 20;
-constexpr size_t large = size_t(1) << 20;
+constexpr size_t large = size_t(128) << 10;
 constexpr size_t freedAtOnce = size_t(4) << 20;
 constexpr std::align_val_t cacheLine{64};
 

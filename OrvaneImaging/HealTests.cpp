@@ -1,6 +1,6 @@
+#include "Baker.h"
 #include "Filters/CIFilter.h"
 #include "Heal.h"
-#include "Kernels/HealKernels.h"
 #include "TestImages.h"
 
 namespace orvane {
@@ -131,26 +131,29 @@ TEST(Heal, EqualsBlendingSpotBySpot)
     }
 }
 
-TEST(Heal, SumsEndAtTheirExtentWhereOneImageIsAllThereIs)
+TEST(Heal, AStrokeDrawsItsOwnPixelsAndEachOnce)
 {
-    // In small tiles the change is nowhere near, and the picture is read all around as well.
-    const CIImage image = coordinates(48, 32);
-    const CIImage change = constant(4, 4, {0.5f, 0.5f, 0.5f, 0}, false);
-    const CGRect extent(0, 0, 20, 16);
-    const CIImage sum = HealKernels::sum({image, change, {}, {}}, extent, false);
-    const CIContext whole({.threads = 1, .tileWidth = 48, .tileHeight = 32});
-    const CIContext tiles({.threads = 1, .tileWidth = 16, .tileHeight = 8});
-    const struct {
-        const char* reader;
-        CIImage read;
-    } cases[] = {
-        {"clamped", sum.clampedToExtent()},
-        {"moved by a fraction", sum.transformed(CGAffineTransform::translation(0.3, 0.6))},
-        {"as it is", sum},
-    };
-    for (const auto& c : cases) {
-        const CIImage mixed = CIFilter::dissolveTransition(image, c.read, 0.5);
-        EXPECT_EQ(pixels(mixed, 48, 32, tiles), pixels(mixed, 48, 32, whole)) << c.reader;
+    // To and fro, so that every spot lies on others, and its source on still others.
+    std::vector<HealSpot> stroke;
+    for (int i = 0; i < 60; ++i)
+        stroke.push_back(
+            {0.1 + 0.02 * (i / 12 % 2 ? 12 - i % 12 : i % 12), 0.15 + 0.03 * (i / 12), 0.04});
+    const CIImage image = coordinates(300, 200);
+    const double box = 2 * 0.04 * 300 + 2;
+    for (const bool kept : {false, true}) {
+        DrawStatistics statistics;
+        const auto healed = Baker::cgImage(Heal::apply(image, stroke),
+                                           {.keepIntermediates = kept, .statistics = &statistics});
+        ASSERT_TRUE(healed);
+        double megapixels = 0;
+        for (const PassStatistics& pass : statistics.passTimes) {
+            if (pass.operations.find("heal") == std::string::npos)
+                continue;
+            EXPECT_LE(pass.megapixels * 1e6, box * box);
+            megapixels += pass.megapixels;
+        }
+        EXPECT_GT(megapixels * 1e6, 60 * (box - 3) * (box - 3));
+        EXPECT_LE(megapixels * 1e6, 60 * box * box);
     }
 }
 

@@ -121,7 +121,8 @@ const Digest& Drawing::key(size_t stored)
     digest.add(uint64_t(planned.exact));
     for (const PlanPass& pass : m_plan.passes) {
         for (const PlanStep& step : pass.steps) {
-            if (pass.target == int(stored) && step.stored >= 0)
+            const bool read = step.stored >= 0 && step.stored != int(stored);
+            if (pass.target == int(stored) && read)
                 digest.add(key(size_t(step.stored)));
         }
     }
@@ -213,6 +214,9 @@ void Drawing::drawTile(const PlanPass& pass, int slot, const PixelRect& tile)
     TileArena& arena = m_arenas[size_t(slot)];
     switch (planned.form) {
     case Form::Whole:
+        // Its rows are read until the last one is drawn.
+        if (pass.patches)
+            return image->write(evaluator(pass, slot).draw(tile), tile);
         return evaluator(pass, slot)
             .draw(tile, [&](const TilePlanes& planes, const PixelRect& rows) {
                 image->write(planes, rows);
@@ -316,7 +320,7 @@ void Drawing::complete(size_t step)
     const PlanPass& pass = passOf(step);
     if (pass.target < 0) {
         m_target.end(rows.rect);
-    } else if (rows.rect.y0 == pass.region.y0) {
+    } else if (int(step) == m_schedule.images[size_t(pass.target)].lastDrawn) {
         const auto stored = size_t(pass.target);
         if (m_plan.stored[stored].form == Form::Histogram)
             settleHistogram(pass);

@@ -77,7 +77,12 @@ void addData(DigestBuilder& digest, const NodeData& data)
                      addRect(digest, n.region);
                      digest.add(uint64_t(n.count));
                      digest.add(&n.scale, sizeof n.scale);
-                 }},
+                 },
+                 [&](const PatchesNode& n) {
+                     for (const NodePtr& patch : n.patches)
+                         digest.add(patch->digest);
+                 },
+                 [](const PatchGroundNode&) {}},
         data);
 }
 
@@ -175,7 +180,10 @@ PixelRect neededInput(const Node& node, size_t index, const PixelRect& rect)
                      return clampedRead(source);
                  },
                  [&](const WindowNode& n) { return clampedRead(rect.grown(n.border)); },
-                 [&](const HistogramNode& n) { return n.region; }},
+                 [&](const HistogramNode& n) { return n.region; },
+                 // A patch may bring pixels from anywhere.
+                 [&](const PatchesNode&) { return node.extent.rect; },
+                 [](const PatchGroundNode&) { return PixelRect{}; }},
         node.data);
     return extent.clipped(needed);
 }

@@ -116,9 +116,17 @@ struct HistogramNode {
     float scale;
 };
 
-using NodeData =
-    std::variant<SourceNode, PointwiseNode, CropNode, ClampNode, OrthogonalNode, WarpNode,
-                 HalveNode, GaussianNode, LanczosNode, WindowNode, HistogramNode>;
+/// The input with patches laid on it, one after the other: small recipes over PatchGroundNode, each
+/// of which takes the place of what lies in its extent, a part of the input's.
+struct PatchesNode {
+    std::vector<std::shared_ptr<const Node>> patches;
+};
+/// In a patch's recipe, the picture as the patches before it have left it.
+struct PatchGroundNode { };
+
+using NodeData = std::variant<SourceNode, PointwiseNode, CropNode, ClampNode, OrthogonalNode,
+                              WarpNode, HalveNode, GaussianNode, LanczosNode, WindowNode,
+                              HistogramNode, PatchesNode, PatchGroundNode>;
 
 /// One operation of a recipe. Immutable once shared.
 struct Node {

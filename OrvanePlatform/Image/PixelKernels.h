@@ -37,8 +37,6 @@ enum class Cover {
     FirstOverSecond,
     /// Input 1 where input 2, the mask, has no pixels.
     FirstWithinMask,
-    /// The one input that has pixels, of a sum; nothing where none has.
-    Sum,
 };
 
 /// A pixel program: the same template, compiled for every instruction set and, as the reference,

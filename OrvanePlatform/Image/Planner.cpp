@@ -8,16 +8,18 @@
 //      the same picture share, and its reduced result are stored;
 //   3. a histogram counts: its counts are stored;
 //   4. a result is read by more than one pass;
-//   5. a patch of a picture reads the same picture somewhere else (a healed spot): a tile there
-//      would draw all that lies between the two;
-//   6. intermediates are kept for later draws: a scaling that reduces its input is stored, so that
+//   5. intermediates are kept for later draws: a scaling that reduces its input is stored, so that
 //      a preview's small copy of a large picture is drawn once, not with every change of a slider;
 //      and in each pass the step behind which only pointwise steps follow, so that a change of a
 //      late slider runs those alone.
-// Rules 1, 4 and 5 never store what is read straight from a source (through moves, flips, crops and
+// Rules 1 and 4 never store what is read straight from a source (through moves, flips, crops and
 // clamps) or made of no source at all: reading it again is cheaper. Whole-pixel moves, flips,
 // crops, clamps, generators and every pointwise operation never end a pass. Within a pass each step
-// is drawn once a tile, over the union of what its readers ask for.
+// is drawn once a tile, over the union of what its readers ask for; and of narrow blurs of one
+// picture that differ at its edges alone, one.
+//
+// A picture with patches on it (healed spots) is stored. Each patch is a pass of its own, over its
+// own pixels, that reads the stored picture and draws over it, in the patches' order.
 
 #include "Planner.h"
 
@@ -30,27 +32,16 @@
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace orvane {
 
 namespace {
 
 constexpr double windowLimit = 1.35;
-/// Of rule 6: passes with more steps are left as they are.
+/// Of rule 5: passes with more steps are left as they are.
 constexpr size_t longestTailSearch = 100;
-/// Of rule 5: what counts as a patch, a part of the picture; how many are tried in a pass; and how
-/// many times the pixels that are read there may be drawn.
-constexpr double patchLimit = 0.25;
-constexpr int patchesTried = 16;
-constexpr double farLimit = 1.5;
-constexpr int defaultTileWidth = 384;
-constexpr int defaultTileHeight = 96;
 constexpr int coarsestFromPixels = 8;
-/// In cells.
-constexpr int keptBlurTileHeight = 128;
-/// Floats of one plane that a tile's widest step may hold; above it tiles shrink.
-constexpr double widestStep = 4.0 * defaultTileWidth * defaultTileHeight;
-
 bool isStructure(const Node& node)
 {
     return node.as<CropNode>() || node.as<ClampNode>() || node.as<OrthogonalNode>();
@@ -110,12 +101,11 @@ public:
     {
         do
             collectPasses();
-        while (storeShared() || storeWideWindows() || storeFarReads() || storeBeforeTails());
+        while (storeShared() || storeWideWindows() || storeBeforeTails());
         settleRegions();
-        for (PlanPass& pass : m_plan.passes) {
+        for (PlanPass& pass : m_plan.passes)
             shareBlurs(pass);
-            chooseTiles(pass, tileWidth, tileHeight);
-        }
+        chooseTiles(m_plan, tileWidth, tileHeight, m_intermediates);
         return std::move(m_plan);
     }
 
@@ -150,6 +140,12 @@ private:
             return found->second;
         PlanStep step;
         step.node = &node;
+        if (node.as<PatchGroundNode>()) {
+            // Every reader has its own: they look at places far from each other.
+            step.stored = m_patched;
+            pass.steps.push_back(std::move(step));
+            return int(pass.steps.size()) - 1;
+        }
         const auto form = storedForm(node);
         if (form && !(drawsNode && *form == StoredPlan::Form::Whole)) {
             step.stored = storedImage(node, *form);
@@ -170,12 +166,12 @@ private:
             return StoredPlan::Form::ReducedBlur;
         if (node.as<HistogramNode>())
             return StoredPlan::Form::Histogram;
-        if (m_whole.count(node.digest) || isKeptReduction(node))
+        if (m_whole.count(node.digest) || isKeptReduction(node) || node.as<PatchesNode>())
             return StoredPlan::Form::Whole;
         return {};
     }
 
-    // ---- Rule 6 ----
+    // ---- Rule 5 ----
 
     bool isKeptReduction(const Node& node) const
     {
@@ -251,9 +247,22 @@ private:
             m_plan.passes.push_back(std::move(pass));
             return index;
         }
-        const bool whole = form == StoredPlan::Form::Whole;
+        const auto* patched = node.as<PatchesNode>();
+        const bool whole = form == StoredPlan::Form::Whole && !patched;
         collectPass(whole ? node : *node.inputs.front(), index, whole);
+        if (patched)
+            collectPatches(*patched, index);
         return index;
+    }
+
+    void collectPatches(const PatchesNode& patched, int target)
+    {
+        const int around = std::exchange(m_patched, target);
+        for (const NodePtr& patch : patched.patches) {
+            collectPass(*patch, target, false);
+            m_plan.passes.back().patches = true;
+        }
+        m_patched = around;
     }
 
     // ---- Rule 2 ----
@@ -337,7 +346,7 @@ private:
     bool worthStoring(const Node& node)
     {
         if (node.as<SourceNode>() || m_whole.count(node.digest) || isKeptReduction(node)
-            || isReducedBlur(node) || node.as<HistogramNode>())
+            || isReducedBlur(node) || node.as<HistogramNode>() || node.as<PatchesNode>())
             return false;
         return !isStructure(node) && dependsOnSource(node);
     }
@@ -399,51 +408,6 @@ private:
         return m_whole.insert(input->node->digest).second;
     }
 
-    // ---- Rule 5 ----
-
-    bool storeFarReads()
-    {
-        for (const PlanPass& pass : m_plan.passes) {
-            int tried = 0;
-            for (const PlanStep& step : pass.steps) {
-                const Extent& extent = step.node->extent;
-                const bool moved = step.node->as<WarpNode>() || step.node->as<OrthogonalNode>();
-                if (!moved || step.stored >= 0 || extent.infinite
-                    || extent.rect.area() > patchLimit * extentOrRect(pass).area())
-                    continue;
-                // Patches of one picture lead to the same answer.
-                if (storeIfFar(pass, extent.rect))
-                    return true;
-                if (++tried == patchesTried)
-                    break;
-            }
-        }
-        return false;
-    }
-
-    bool storeIfFar(const PlanPass& pass, const PixelRect& patch)
-    {
-        const int x = (patch.x0 + patch.x1) / 2;
-        const int y = (patch.y0 + patch.y1) / 2;
-        const PixelRect tile{x - defaultTileWidth / 2, y - defaultTileHeight / 2,
-                             x + defaultTileWidth / 2, y + defaultTileHeight / 2};
-        std::vector<PixelRect> requests;
-        requestedRects(pass, tile.intersection(extentOrRect(pass)), requests);
-        std::vector<double> wanted(pass.steps.size(), 0);
-        for (size_t i = 0; i < pass.steps.size(); ++i) {
-            const PlanStep& step = pass.steps[i];
-            for (size_t n = 0; n < step.inputs.size(); ++n)
-                wanted[size_t(step.inputs[n])] += neededInput(*step.node, n, requests[i]).area();
-        }
-        for (size_t i = pass.steps.size(); i-- > 0;) {
-            const PlanStep& step = pass.steps[i];
-            if (step.stored < 0 && step.readers > 1 && worthStoring(*step.node)
-                && requests[i].area() > farLimit * wanted[i])
-                return m_whole.insert(step.node->digest).second;
-        }
-        return false;
-    }
-
     /// A rectangle to try a tile in. The picture's, not the one asked for: what is stored must not
     /// depend on which part of a picture is drawn.
     static PixelRect extentOrRect(const PlanPass& pass)
@@ -459,6 +423,15 @@ private:
         for (size_t p = m_plan.passes.size(); p-- > 0;) {
             PlanPass& pass = m_plan.passes[p];
             pass.region = pass.target < 0 ? m_rect : drawnRegion(size_t(pass.target));
+            // Whole or not at all: what lies beyond the region may be another patch's source.
+            if (pass.patches) {
+                const PixelRect place = pass.steps.back().node->extent.rect;
+                const bool isAsked = !place.intersection(pass.region).isEmpty();
+                pass.region = isAsked ? place : PixelRect{};
+                if (isAsked)
+                    m_plan.stored[size_t(pass.target)].region =
+                        m_plan.stored[size_t(pass.target)].region.united(place);
+            }
             for (const StoredRead& read : storedReads(m_plan, pass, pass.region)) {
                 PixelRect& region = m_plan.stored[size_t(read.stored)].region;
                 region = region.united(read.rect);
@@ -493,52 +466,11 @@ private:
         }
     }
 
-    // ---- Tiles ----
-
-    void chooseTiles(PlanPass& pass, int tileWidth, int tileHeight)
-    {
-        pass.tileWidth = tileWidth > 0 ? tileWidth : defaultTileWidth;
-        pass.tileHeight = tileHeight > 0 ? tileHeight : defaultTileHeight;
-        const StoredPlan* target = pass.target >= 0 ? &m_plan.stored[size_t(pass.target)] : nullptr;
-        if (tileWidth == 0 && tileHeight == 0)
-            fitTiles(pass, target);
-        if (!target || target->factor == 1)
-            return;
-        // From here on in cells: as many rows at a time as the full grid's tiles are high.
-        const bool fromCells = target->averages >= 0;
-        pass.tileWidth =
-            fromCells ? defaultTileWidth : std::max(1, pass.tileWidth / target->factor);
-        pass.tileHeight = std::max(1, pass.tileHeight / target->factor);
-        // Where all rows are in memory anyway: low tiles sum most rows across twice.
-        const bool kept = m_intermediates == Intermediates::Kept;
-        if (kept && target->form == StoredPlan::Form::ReducedBlur && tileHeight == 0)
-            pass.tileHeight = std::max(pass.tileHeight, keptBlurTileHeight);
-    }
-
-    void fitTiles(PlanPass& pass, const StoredPlan* target) const
-    {
-        if (target && target->averages >= 0)
-            return;
-        const PixelRect r = pixelsBehind(m_plan, pass, pass.region);
-        for (;;) {
-            const int x = r.x0 + std::max(0, (r.width() - pass.tileWidth) / 2);
-            const int y = r.y0 + std::max(0, (r.height() - pass.tileHeight) / 2);
-            std::vector<PixelRect> requests;
-            requestedRects(pass, r.intersection({x, y, x + pass.tileWidth, y + pass.tileHeight}),
-                           requests);
-            double widest = 0;
-            for (const PixelRect& request : requests)
-                widest = std::max(widest, request.area());
-            if (widest <= widestStep || pass.tileWidth <= 32)
-                return;
-            (pass.tileWidth > pass.tileHeight ? pass.tileWidth : pass.tileHeight) /= 2;
-        }
-    }
-
     const Node& m_root;
     PixelRect m_rect;
     Intermediates m_intermediates;
     Plan m_plan;
+    int m_patched = -1; ///< the stored image whose patches are being collected
     // Keyed by digest, so that equal recipes built twice are drawn once.
     std::unordered_map<Digest, int> m_storedIndex;
     std::map<AveragesKey, int> m_averages;

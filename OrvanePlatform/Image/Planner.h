@@ -31,8 +31,9 @@ struct PlanStep {
     const Node* node = nullptr;
     std::vector<int> inputs; ///< steps of the same pass
     int stored = -1; ///< a leaf: read from this stored image
-    /// Of a blur: an earlier one of the same picture, equally wide. Only what lies around the
-    /// picture may tell the two apart, so further inside this one's pixels are that one's.
+    /// Of a blur: the pass's first one of the same picture and width; -1: itself. They may differ
+    /// in what they take to lie around the picture, so only where neither reads beyond its edges
+    /// are their pixels the same.
     int sameBlur = -1;
     int readers = 0;
 };
@@ -40,6 +41,7 @@ struct PlanStep {
 /// One fused walk over an image, in tiles.
 struct PlanPass {
     int target = -1; ///< the stored image it draws; -1: the picture asked for
+    bool patches = false; ///< it reads its target, and draws over a part of it
     std::vector<PlanStep> steps; ///< inputs before their readers; the last is what is drawn
     /// In the target's units: cells of a coarse grid, otherwise pixels of the last step.
     PixelRect region;
@@ -68,6 +70,12 @@ std::vector<StoredRead> storedReads(const Plan& plan, const PlanPass& pass, cons
 
 /// Whether what a draw stores is kept for later ones.
 enum class Intermediates { Freed, Kept };
+
+/// In pixels, where nothing speaks for others.
+inline constexpr int defaultTileWidth = 384;
+inline constexpr int defaultTileHeight = 96;
+/// Chooses the tiles of a plan's passes, whose regions are settled.
+void chooseTiles(Plan& plan, int tileWidth, int tileHeight, Intermediates intermediates);
 
 /// Decides how `rect` of a recipe is drawn. tileWidth and tileHeight of 0 let it choose.
 Plan makePlan(const Node& root, const PixelRect& rect, int tileWidth, int tileHeight,

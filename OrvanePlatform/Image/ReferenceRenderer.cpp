@@ -24,6 +24,12 @@ float decodedSrgb(float x)
 
 class Renderer {
 public:
+    /// ground: what patches are drawn over, if it is a patch that is to be drawn.
+    explicit Renderer(const FloatImage* ground = nullptr)
+        : m_ground(ground)
+    {
+    }
+
     /// The node over rect; transparent outside its extent.
     const FloatImage& draw(const Node& node, const PixelRect& rect)
     {
@@ -286,6 +292,23 @@ private:
         });
     }
 
+    void drawInto(FloatImage& out, const Node& node, const PatchesNode& n, const PixelRect& r)
+    {
+        FloatImage ground = input(node, 0, r);
+        for (const NodePtr& patch : n.patches) {
+            const PixelRect place = patch->extent.rect;
+            Renderer renderer(&ground);
+            const FloatImage drawn = renderer.draw(*patch, place);
+            forEach(place, [&](int x, int y) { copyPixel(drawn, x, y, ground.at(x, y)); });
+        }
+        forEach(r, [&](int x, int y) { copyPixel(ground, x, y, out.at(x, y)); });
+    }
+    void drawInto(FloatImage& out, const Node&, const PatchGroundNode&, const PixelRect& r)
+    {
+        forEach(r, [&](int x, int y) { copyPixel(*m_ground, x, y, out.at(x, y)); });
+    }
+
+    const FloatImage* m_ground;
     std::map<std::tuple<const Node*, int, int, int, int>, FloatImage> m_drawn;
 };
 

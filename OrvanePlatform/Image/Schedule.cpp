@@ -16,18 +16,21 @@ public:
         , m_passOf(plan.stored.size(), -1)
         , m_drawnTo(plan.stored.size())
         , m_uses(plan.stored.size())
+        , m_groups(plan.stored.size())
     {
         for (size_t p = 0; p < plan.passes.size(); ++p) {
             const PlanPass& pass = plan.passes[p];
-            if (pass.target < 0)
+            if (pass.target < 0 || pass.patches)
                 continue;
             m_passOf[size_t(pass.target)] = int(p);
             m_drawnTo[size_t(pass.target)] = pass.region.y1;
         }
+        groupPatches();
     }
 
     Schedule schedule()
     {
+        m_schedule.images.resize(m_plan.stored.size());
         const PlanPass& last = m_plan.passes.back();
         const int rows = rowsAtOnce(last);
         for (int top = last.region.y1; top > last.region.y0; top -= rows)
@@ -43,6 +46,68 @@ private:
         int drawnTo = 0; ///< the lowest row drawn by then
         int upTo = 0; ///< one past the highest row it reads or draws
     };
+
+    /// Patches of a stored image that see or cover each other; no other has to do with them.
+    struct Group {
+        std::vector<int> passes; ///< in their order
+        int bottom = 0; ///< the lowest row that they read or draw
+        int upTo = 0; ///< one past the highest row that they draw
+        bool drawn = false;
+    };
+    struct Patch {
+        int pass = 0;
+        PixelRect place;
+        std::vector<StoredRead> reads;
+        size_t group = 0;
+    };
+
+    static bool meet(const Patch& a, const Patch& b)
+    {
+        const auto reads = [](const Patch& reader, const Patch& patch) {
+            return std::any_of(reader.reads.begin(), reader.reads.end(), [&](const auto& read) {
+                return !read.rect.intersection(patch.place).isEmpty();
+            });
+        };
+        return !a.place.intersection(b.place).isEmpty() || reads(a, b) || reads(b, a);
+    }
+
+    void groupPatches()
+    {
+        std::vector<std::vector<Patch>> patches(m_plan.stored.size());
+        for (size_t p = 0; p < m_plan.passes.size(); ++p) {
+            const PlanPass& pass = m_plan.passes[p];
+            if (!pass.patches || pass.region.isEmpty())
+                continue;
+            auto& others = patches[size_t(pass.target)];
+            Patch patch{int(p), pass.region, storedReads(m_plan, pass, pass.region), others.size()};
+            for (Patch& other : others) {
+                if (other.group == patch.group || !meet(patch, other))
+                    continue;
+                const size_t joined = other.group;
+                for (Patch& one : others)
+                    one.group = one.group == joined ? patch.group : one.group;
+            }
+            others.push_back(std::move(patch));
+        }
+        for (size_t i = 0; i < patches.size(); ++i)
+            m_groups[i] = groupsOf(patches[i]);
+    }
+
+    static std::vector<Group> groupsOf(const std::vector<Patch>& patches)
+    {
+        std::vector<Group> groups(patches.size());
+        for (const Patch& patch : patches) {
+            Group& group = groups[patch.group];
+            const bool first = group.passes.empty();
+            group.passes.push_back(patch.pass);
+            group.bottom = first ? patch.place.y0 : std::min(group.bottom, patch.place.y0);
+            group.upTo = first ? patch.place.y1 : std::max(group.upTo, patch.place.y1);
+            for (const StoredRead& read : patch.reads)
+                group.bottom = std::min(group.bottom, read.rect.y0);
+        }
+        std::erase_if(groups, [](const Group& group) { return group.passes.empty(); });
+        return groups;
+    }
 
     /// Whether an earlier step may still be drawn when a later one begins.
     static bool isUnderWay(const Use& earlier, const Use& later)
@@ -65,6 +130,12 @@ private:
         const std::vector<StoredRead> reads = storedReads(m_plan, pass, rect);
         for (const StoredRead& read : reads)
             drawDownTo(size_t(read.stored), read.rect.y0);
+        addStep(index, rect, reads);
+    }
+
+    void addStep(int index, const PixelRect& rect, const std::vector<StoredRead>& reads)
+    {
+        const PlanPass& pass = m_plan.passes[size_t(index)];
         const int step = int(m_schedule.steps.size());
         m_schedule.steps.push_back({index, rect});
         for (const StoredRead& read : reads) {
@@ -72,8 +143,10 @@ private:
             m_uses[stored].push_back({step, m_drawnTo[stored], read.rect.y1});
         }
         if (pass.target >= 0) {
-            m_drawnTo[size_t(pass.target)] = bottom;
-            m_uses[size_t(pass.target)].push_back({step, bottom, top});
+            int& drawnTo = m_drawnTo[size_t(pass.target)];
+            drawnTo = std::min(drawnTo, rect.y0);
+            m_uses[size_t(pass.target)].push_back({step, drawnTo, rect.y1});
+            m_schedule.images[size_t(pass.target)].lastDrawn = step;
         }
     }
 
@@ -85,16 +158,29 @@ private:
         const PlanPass& pass = m_plan.passes[size_t(index)];
         // Counts are of the whole region, whichever of them is read.
         const bool all = m_plan.stored[stored].form == StoredPlan::Form::Histogram;
-        const int goal = all ? pass.region.y0 : std::max(row, pass.region.y0);
+        int goal = all ? pass.region.y0 : std::max(row, pass.region.y0);
+        std::vector<Group*> wanted;
+        for (Group& group : m_groups[stored]) {
+            if (group.drawn || group.upTo <= row)
+                continue;
+            wanted.push_back(&group);
+            goal = std::min(goal, group.bottom);
+        }
         while (m_drawnTo[stored] > goal) {
             const int top = m_drawnTo[stored];
             draw(index, std::max(top - rowsAtOnce(pass), pass.region.y0), top);
+        }
+        for (Group* group : wanted) {
+            group->drawn = true;
+            for (const int patch : group->passes) {
+                const PixelRect& place = m_plan.passes[size_t(patch)].region;
+                addStep(patch, place, storedReads(m_plan, m_plan.passes[size_t(patch)], place));
+            }
         }
     }
 
     void settleWindows()
     {
-        m_schedule.images.resize(m_plan.stored.size());
         for (size_t i = 0; i < m_uses.size(); ++i) {
             Schedule::Image& image = m_schedule.images[i];
             int upTo = std::numeric_limits<int>::min();
@@ -118,6 +204,7 @@ private:
     std::vector<int> m_passOf;
     std::vector<int> m_drawnTo;
     std::vector<std::vector<Use>> m_uses;
+    std::vector<std::vector<Group>> m_groups; ///< by stored image
     Schedule m_schedule;
 };
 

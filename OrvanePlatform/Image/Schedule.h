@@ -27,6 +27,7 @@ struct Schedule {
     struct Image {
         int rows = 0; ///< at most this many are alive at once; 0: not drawn
         int lastStep = -1; ///< after this step nobody reads it
+        int lastDrawn = -1; ///< after this step it is complete
     };
     std::vector<ScheduledRows> steps;
     std::vector<Image> images; ///< by stored image

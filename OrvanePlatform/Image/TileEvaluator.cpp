@@ -227,17 +227,6 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep&, const SourceNo
 int TileEvaluator::decidingInput(const PlanStep& step, Cover cover) const
 {
     const auto empty = [&](size_t n) { return m_drawn[size_t(step.inputs[n])].empty; };
-    if (cover == Cover::Sum) {
-        int only = 0;
-        int full = 0;
-        for (size_t n = 0; n < step.inputs.size(); ++n) {
-            if (empty(n))
-                continue;
-            only = int(n);
-            ++full;
-        }
-        return full > 1 ? -1 : only;
-    }
     if (cover == Cover::FirstOverSecond)
         return empty(1) ? 0 : (empty(0) ? 1 : -1);
     if (cover == Cover::FirstWithinMask)
@@ -364,7 +353,19 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Ort
 TilePlanes TileEvaluator::drawNode(size_t, const PlanStep&, const HistogramNode&,
                                    const PixelRect& rect)
 {
-    // Always a stored leaf: the planner gives histograms a pass of their own.
+    // Always a stored leaf, as the next two are: the planner gives them passes of their own.
+    return m_arena.planes(rect, false);
+}
+
+TilePlanes TileEvaluator::drawNode(size_t, const PlanStep&, const PatchesNode&,
+                                   const PixelRect& rect)
+{
+    return m_arena.planes(rect, false);
+}
+
+TilePlanes TileEvaluator::drawNode(size_t, const PlanStep&, const PatchGroundNode&,
+                                   const PixelRect& rect)
+{
     return m_arena.planes(rect, false);
 }
 

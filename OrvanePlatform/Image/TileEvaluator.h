@@ -95,6 +95,10 @@ private:
                         const PixelRect& rect);
     TilePlanes drawNode(size_t index, const PlanStep& step, const HistogramNode& node,
                         const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const PatchesNode& node,
+                        const PixelRect& rect);
+    TilePlanes drawNode(size_t index, const PlanStep& step, const PatchGroundNode& node,
+                        const PixelRect& rect);
 
     const PlanPass& m_pass;
     const std::vector<StoredPlan>& m_storedPlans;

@@ -105,6 +105,9 @@ bool TileQueue::isReady(OpenStep& open, size_t part) const
 {
     if (&open == &m_open.front())
         return true;
+    // It draws where the step before may still read.
+    if (passOf(open).patches)
+        return false;
     // Asked again and again until it is: what it was found to wait for is looked at first.
     auto& awaited = open.awaited[part];
     if (!awaited || m_open.front().drawn[*awaited])

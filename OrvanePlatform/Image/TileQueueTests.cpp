@@ -3,12 +3,14 @@
 #include "Bitmap.h"
 #include "CIImage.h"
 #include "Filters/CIFilter.h"
+#include "Filters/Patches.h"
 #include "Node.h"
 #include "TileQueue.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -125,11 +127,34 @@ private:
             EXPECT_TRUE(countsInto(read.stored) ? m_counted.contains(read.stored)
                                                 : m_windows[stored].holds(read.rect))
                 << "step " << tile.step << " reads " << stored;
+            expectPatches(tile, read);
+        }
+    }
+    /// Those that touch what it reads or draws: all are on it, or, for a patch, all before it and
+    /// none after.
+    void expectPatches(const TileQueue::Tile& tile, const StoredRead& read)
+    {
+        const auto own = size_t(m_schedule.steps[tile.step].pass);
+        const bool isPatch = m_plan.passes[own].patches;
+        const PixelRect place = m_plan.passes[own].region;
+        EXPECT_TRUE(!isPatch || tile.rect.contains(read.rect.intersection(place)))
+            << "another tile of the patch may be drawn over that";
+        for (size_t p = 0; p < m_plan.passes.size(); ++p) {
+            const PlanPass& pass = m_plan.passes[p];
+            const PixelRect& other = pass.region;
+            const bool touches = !other.intersection(read.rect).isEmpty()
+                || (isPatch && !other.intersection(tile.rect).isEmpty());
+            if (!pass.patches || pass.target != read.stored || p == own || !touches)
+                continue;
+            EXPECT_EQ(m_areas[p], isPatch && p > own ? 0 : other.area())
+                << "step " << tile.step << " and patch " << p;
         }
     }
     void begin(const TileQueue::Tile& tile)
     {
         expectReads(tile);
+        EXPECT_TRUE(!passOf(tile).patches || windowOf(tile)->holds(tile.rect))
+            << "nothing to lay a patch on";
         if (Window* window = windowOf(tile))
             window->beginWriting(tile.rect);
     }
@@ -177,6 +202,18 @@ TEST(TileQueue, EveryTileFindsWhatItReadsWhoeverIsSlow)
     image = CIFilter::unsharpMask(image, 23, 0.5);
     image = CIFilter::noiseReduction(image, 0.04);
     image = CIFilter::unsharpMask(image, 5, 0.8);
+    const CIImage ground = Patches::ground(image);
+    std::vector<CIImage> patches;
+    const auto add = [&](int x, int y, int side, double dx, double dy) {
+        patches.push_back(ground.transformed(CGAffineTransform::translation(dx, dy))
+                              .cropped(CGRect(x, y, side, side)));
+    };
+    for (int i = 0; i < 30; ++i) // a stroke to and fro, up the picture
+        add(100 + 10 * std::abs(i % 12 - 6), 60 + 20 * i, 44, 50.5, 30);
+    add(500, 880, 60, 0, -300); // one whose source lies far below
+    add(600, 100, 8, 10, 10);
+    add(200, 500, 500, -30, -30); // over its own source
+    image = Patches::laidOn(image, patches);
     const CIImage bloomed = CIFilter::bloom(image, 17, 0.3);
     const CIImage turned = image.oriented(3).cropped({0, 0, 500, 500});
     const CIImage counts = CIFilter::areaHistogram(image, {100, 50, 400, 600}, 64, 10);

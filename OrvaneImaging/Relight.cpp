@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <numbers>
 #include <optional>
 
@@ -21,6 +22,16 @@ bool changesSomething(const Light& light)
     return amounts && light.radius > 0 && (light.type != "brush" || !light.strokes.empty());
 }
 
+/// Nothing where there is no memory for it: a light less is better than no picture.
+PlacedBitmap brushMaskOrNone(const Light& light, int width, int height, double lineWidth)
+{
+    try {
+        return brushMask(light.strokes, width, height, lineWidth);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
 /// White where the strokes are.
 std::optional<CIImage> paintedMask(const Light& light, const CGRect& extent)
 {
@@ -30,7 +41,7 @@ std::optional<CIImage> paintedMask(const Light& light, const CGRect& extent)
         return {};
     const double longEdge = std::max(width, height);
     const double lineWidth = std::max(2 * light.radius * longEdge, 1.0);
-    const PlacedBitmap painted = brushMask(light.strokes, int(width), int(height), lineWidth);
+    const PlacedBitmap painted = brushMaskOrNone(light, int(width), int(height), lineWidth);
     if (!painted.bitmap)
         return {};
     // Rows of a bitmap count from the top, images from the bottom.

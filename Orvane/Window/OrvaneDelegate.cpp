@@ -8,6 +8,8 @@
 #include <QApplication>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace orvane {
 
 void OrvaneDelegate::attach(AppModel& model, Desktop& desktop, PictureOpener& opener)
@@ -28,7 +30,9 @@ void OrvaneDelegate::accept(const Files& files, std::optional<QFuture<ReadImages
     Files fresh;
     for (const auto& file : files) {
         auto path = identifyingPath(file);
-        if (m_recentlyAccepted.insert(path).second)
+        const bool waits =
+            std::find(m_pendingOpens.begin(), m_pendingOpens.end(), path) != m_pendingOpens.end();
+        if (m_recentlyAccepted.insert(path).second && !waits)
             fresh.push_back(std::move(path));
     }
     if (fresh.empty())

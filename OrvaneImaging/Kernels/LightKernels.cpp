@@ -107,9 +107,9 @@ struct ApplyLights : PremultipliedKernel<2> {
         const L warm = in[1].g;
         const L contrast = in[1].b;
         const L sat = in[1].a;
-        const auto dark = abs(bright) + abs(warm) + abs(contrast) + abs(sat) < L(0.001f);
+        const auto isLit = abs(bright) + abs(warm) + abs(contrast) + abs(sat) >= L(0.001f);
         // Most lights leave much of a picture alone.
-        if (!anyTrue(select(dark, zero, one) > zero))
+        if (!anyTrue(isLit))
             return s;
 
         using V = Three<L>;
@@ -122,7 +122,8 @@ struct ApplyLights : PremultipliedKernel<2> {
         const V middle(lum, lum, lum);
         c = middle + (c - middle) * (one + clamp(sat, L(-1.0f), L(2.0f)));
         const V lit = power2p2(clamp(c, V(0.0f), V(1.0f)));
-        return {select(dark, s.r, lit.r), select(dark, s.g, lit.g), select(dark, s.b, lit.b), s.a};
+        return {select(isLit, lit.r, s.r), select(isLit, lit.g, s.g), select(isLit, lit.b, s.b),
+                s.a};
     }
 };
 ORVANE_KERNEL_RUNS(ApplyLights)

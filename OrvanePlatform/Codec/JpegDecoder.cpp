@@ -150,6 +150,13 @@ bool readRows(Session& session, PagesAhead& pages)
     return true;
 }
 
+/// The same with memory at hand.
+bool readAhead(Session& session)
+{
+    PagesAhead pages(session.bitmap->row(0), session.bitmap->byteSize());
+    return readRows(session, pages);
+}
+
 Error failure(const Session& session)
 {
     switch (session.messageCode) {
@@ -201,8 +208,7 @@ Result<DecoderOutput> decodeJpeg(Bytes bytes)
     session.rows.resize(info.image_height);
     for (size_t y = 0; y < session.rows.size(); ++y)
         session.rows[y] = session.bitmap->row(int(y));
-    PagesAhead pages(session.bitmap->row(0), session.bitmap->byteSize());
-    if (!readRows(session, pages))
+    if (!readAhead(session))
         return failure(session);
     if (session.endsEarly || (manyScans && session.ranOut))
         return Error{sentence::endsEarly};

@@ -85,6 +85,10 @@ TEST(PagesAhead, StayALittleAheadAndChangeNothing)
         EXPECT_GE(residentBytes(), PagesAhead::leadBytes / 2);
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_LE(residentBytes(), PagesAhead::leadBytes);
+        pages.filled(bytes / 2);
+        for (int i = 0; i < 1000 && residentBytes() <= PagesAhead::leadBytes; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        EXPECT_GT(residentBytes(), PagesAhead::leadBytes) << "it has not been told";
         for (size_t filled = 0; filled < bytes; filled += step) {
             std::fill_n(memory.data() + filled, step, uint8_t(filled / step + 1));
             pages.filled(filled + step);

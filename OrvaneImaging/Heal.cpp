@@ -51,6 +51,7 @@ CIImage apply(const CIImage& image, const std::vector<HealSpot>& spots)
         return image;
     const CIImage ground = Patches::ground(image);
     std::vector<CIImage> healed;
+    healed.reserve(spots.size());
     for (const HealSpot& spot : spots)
         healed.push_back(healedSpot(ground, spot));
     return Patches::laidOn(image, healed);

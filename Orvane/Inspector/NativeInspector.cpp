@@ -72,6 +72,12 @@ NativeInspector::NativeInspector(AppModel& model, QWidget* parent)
     refresh();
 }
 
+NativeInspector::~NativeInspector()
+{
+    // What is in it loses the focus when only a plain widget is left of it.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 void NativeInspector::build()
 {
     setStyleSheet(look());

@@ -24,6 +24,7 @@ class NativeInspector final : public QWidget {
 
 public:
     explicit NativeInspector(AppModel& model, QWidget* parent = nullptr);
+    ~NativeInspector() override;
 
     static constexpr int panelWidth = 320;
     /// Names of the sections that are open.

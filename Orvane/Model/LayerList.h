@@ -32,16 +32,18 @@ template <class Element> size_t indexOf(const std::vector<Element>& list, const 
     return size_t(found - list.begin());
 }
 
-/// Removes every element with that id. If it was selected, the last one left is.
+/// Removes every element with that id, which may be an element's own. If it was selected, the last
+/// one left is.
 template <class Element>
 void remove(QProperty<std::vector<Element>>& list, QProperty<std::string>& selected,
             const std::string& id)
 {
+    const bool wasSelected = selected.value() == id;
     std::vector<Element> rest = list.value();
     std::erase_if(rest, [&](const Element& each) { return each.id == id; });
     list = std::move(rest);
     const std::vector<Element>& left = list.value();
-    if (selected.value() == id)
+    if (wasSelected)
         selected = left.empty() ? std::string() : left.back().id;
 }
 

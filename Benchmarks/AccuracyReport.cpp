@@ -45,13 +45,13 @@ void printLine(const char* name, const CIImage& image)
 {
     const PixelRect rect = rectOf(image);
     const FloatImage expected = drawReference(image, rect);
-    const auto half =
-        test::levelDifferences(test::drawnInTiles(image, rect, StoredFormat::Half), expected);
+    const auto compact =
+        test::levelDifferences(test::drawnInTiles(image, rect, StoredFormat::Compact), expected);
     const auto full =
         test::levelDifferences(test::drawnInTiles(image, rect, StoredFormat::Float), expected);
-    std::printf("%-24s %9.4f %9.5f %9.4f %9.5f   (%d, %d) %c: %.6g for %.6g\n", name, half.largest,
-                half.mean, full.largest, full.mean, half.x, half.y, "rgba"[half.channel],
-                double(half.value), double(half.expected));
+    std::printf("%-24s %9.4f %9.5f %9.4f %9.5f   (%d, %d) %c: %.6g for %.6g\n", name,
+                compact.largest, compact.mean, full.largest, full.mean, compact.x, compact.y,
+                "rgba"[compact.channel], double(compact.value), double(compact.expected));
     std::fflush(stdout);
 }
 
@@ -70,8 +70,8 @@ int main(int argc, char** argv)
         return 1;
     }
     const CIImage picture = reduced(*source);
-    std::printf("%-24s %9s %9s %9s %9s   %s\n", "levels of 255", "half, max", "mean", "float, max",
-                "mean", "where, with halves");
+    std::printf("%-24s %9s %9s %9s %9s   %s\n", "levels of 255", "16 bits", "mean", "32 bits",
+                "mean", "where, with 16 bits");
     for (const test::StageSetting& setting : test::allStageSettings())
         printLine(setting.stage, Pipeline::render(picture, setting.strong));
     printLine("everything-edit.json", finishedImage(picture, *edit, {}));

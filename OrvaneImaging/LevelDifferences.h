@@ -33,6 +33,18 @@ struct LevelDifferences {
     float expected = 0;
 };
 
+/// A sample of a premultiplied pixel as an 8-bit file without alpha holds it: the straight colour,
+/// clipped, over black. Alpha itself is on the same scale, and not clipped.
+inline float shownLevel(const float* pixel, int channel)
+{
+    const float alpha = pixel[3];
+    if (channel == 3)
+        return 255 * alpha;
+    if (alpha < 1e-30f)
+        return 0;
+    return encodedLevel(std::clamp(pixel[channel] / alpha, 0.0f, 1.0f) * std::min(alpha, 1.0f));
+}
+
 inline bool isOpaque(const FloatImage& image)
 {
     for (size_t i = 3; i < image.samples.size(); i += 4) {
@@ -54,10 +66,9 @@ inline LevelDifferences levelDifferences(const FloatImage& actual, const FloatIm
         const int channel = int(i % 4);
         if (channel >= channels)
             continue;
-        const float a = actual.samples.at(i);
-        const float e = expected.samples[i];
-        float difference =
-            std::abs(channel == 3 ? 255 * (a - e) : encodedLevel(a) - encodedLevel(e));
+        const size_t pixelStart = i - i % 4;
+        float difference = std::abs(shownLevel(&actual.samples.at(pixelStart), channel)
+                                    - shownLevel(&expected.samples[pixelStart], channel));
         if (std::isnan(difference))
             difference = INFINITY;
         all.push_back(difference);
@@ -68,8 +79,8 @@ inline LevelDifferences levelDifferences(const FloatImage& actual, const FloatIm
                       .x = expected.rect.x0 + pixel % expected.rect.width(),
                       .y = expected.rect.y0 + pixel / expected.rect.width(),
                       .channel = channel,
-                      .value = a,
-                      .expected = e};
+                      .value = actual.samples[i],
+                      .expected = expected.samples[i]};
         }
     }
     result.mean = sum / double(all.size());
@@ -80,7 +91,7 @@ inline LevelDifferences levelDifferences(const FloatImage& actual, const FloatIm
 }
 
 /// The picture by the tiled renderer before it is narrowed: with intermediates as 8-bit results
-/// have them (Half), or as deeper ones do.
+/// have them (Compact), or as deeper ones do.
 inline FloatImage drawnInTiles(const CIImage& image, const PixelRect& rect, StoredFormat format,
                                const CIContext::Options& settings = {})
 {

@@ -30,10 +30,11 @@ namespace {
 using DoubleTag = hn::ScalableTag<double>;
 using IntVector = hn::Vec<IntTag>;
 
-constexpr int fractionBits = 16;
+constexpr int fractionBits = 18;
 constexpr int fractionSteps = 1 << fractionBits;
 /// Planes of more pixels a side than this have no fixed-point positions of 32 bits.
-constexpr int longestSide = 32000;
+constexpr int longestSide = 8000;
+static_assert(longestSide < INT32_MAX / fractionSteps);
 /// Added to a double, it leaves no digits below 1: whole numbers are the sum's lowest bits.
 constexpr double wholeNumbers = 0x1.8p52;
 

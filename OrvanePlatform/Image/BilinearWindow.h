@@ -25,7 +25,7 @@ public:
     /// Samples at positions in the planes' own continuous coordinates, pixel centres at +0.5. What
     /// is not a number, or further than a pixel away from the planes, is transparent. A sample
     /// depends on its position alone, not on its neighbours nor on where the planes begin; the
-    /// position is rounded to the nearest 1/65536 of a pixel.
+    /// position is rounded to the nearest 2^-18 of a pixel.
     const TilePlanes& planes() const { return m_planes; }
     void sample(const double* xs, const double* ys, int count, const Output& out) const;
 

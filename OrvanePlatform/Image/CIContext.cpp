@@ -11,12 +11,13 @@ namespace orvane {
 
 namespace {
 
-/// Halves hold 8-bit results exactly enough; deeper ones ask for floats between passes.
-StoredFormat storedFormat(PixelFormat format)
+/// Compact floats hold 8-bit results exactly enough, but no light far beyond white; deeper results
+/// ask for floats between passes.
+StoredFormat storedFormat(const Node& root, PixelFormat format)
 {
     const bool deep = format == PixelFormat::RGB16 || format == PixelFormat::RGBA16
         || format == PixelFormat::RGBAFloat;
-    return deep ? StoredFormat::Float : StoredFormat::Half;
+    return deep || root.extendedRange ? StoredFormat::Float : StoredFormat::Compact;
 }
 
 bool isDrawable(const CGRect& rect)
@@ -51,7 +52,7 @@ struct CIContext::Impl {
             }
         };
         try {
-            return renderer.draw(node, rect, storedFormat(format), options, narrowTile);
+            return renderer.draw(node, rect, storedFormat(node, format), options, narrowTile);
         } catch (const std::bad_alloc&) {
             return false;
         }
@@ -122,7 +123,8 @@ Result<void> CIContext::render(const CIImage& image, const CGRect& rect, RowSink
     if (!isDrawable(rect) || roundedRect(rect).isEmpty())
         return Error{"The image has no finite size, so it cannot be drawn."};
     try {
-        return m_impl->renderer.draw(*image.node(), roundedRect(rect), storedFormat(sink.format()),
+        const Node& node = *image.node();
+        return m_impl->renderer.draw(node, roundedRect(rect), storedFormat(node, sink.format()),
                                      options, sink);
     } catch (const std::bad_alloc&) {
         return Error{"There is not enough memory to draw the picture."};

@@ -110,8 +110,8 @@ void CellAverager::add(const StoredImage& image)
     if (m_held.isEmpty())
         return;
     if (readsInPlace(image))
-        return image.format() == StoredFormat::Half ? addInPlace<uint16_t>(image)
-                                                    : addInPlace<float>(image);
+        return image.format() == StoredFormat::Compact ? addInPlace<uint16_t>(image)
+                                                       : addInPlace<float>(image);
     const TilePlanes row = m_arena.rowPlanes(m_held, image.opaque());
     for (int y = m_held.y0; y < m_held.y1; ++y) {
         image.readRow(y, row);
@@ -129,7 +129,7 @@ template <class Sample> void CellAverager::addInPlace(const StoredImage& image)
         if constexpr (std::is_same_v<Sample, float>)
             return image.floatRow(c, held) + left;
         else
-            return image.halfRow(c, held) + left;
+            return image.compactRow(c, held) + left;
     };
     for (int j = finest.cells.y0; j < finest.cells.y1; ++j) {
         const int y = 2 * j - 1;

@@ -5,7 +5,7 @@
 
 namespace orvane {
 
-/// One IEEE 754 binary16 number as a float; exact. Blocks of them are converted by PlaneConversion.
+/// One IEEE 754 binary16 number as a float; exact.
 inline float floatFromHalf(uint16_t half)
 {
     const uint32_t sign = uint32_t(half & 0x8000u) << 16;

@@ -108,7 +108,7 @@ TEST(IntermediateCache, KeepsTheLastTwoOfARoleAndStaysWithinItsBudget)
     const auto digest = [](uint64_t n) { return DigestBuilder().add(n).digest(); };
     const PixelRect rect{0, 0, 64, 64};
     const auto image = [&] {
-        return std::make_shared<StoredImage>(rect, true, StoredFormat::Half);
+        return std::make_shared<StoredImage>(rect, true, StoredFormat::Compact);
     };
     const size_t each = image()->byteSize();
     IntermediateCache cache(4 * each);
@@ -127,7 +127,8 @@ TEST(IntermediateCache, KeepsTheLastTwoOfARoleAndStaysWithinItsBudget)
     EXPECT_FALSE(cache.find(digest(2), rect));
     for (const uint64_t n : {3, 100, 200, 201})
         EXPECT_TRUE(cache.find(digest(n), rect)) << n;
-    auto huge = std::make_shared<StoredImage>(PixelRect{0, 0, 64, 1000}, true, StoredFormat::Half);
+    auto huge =
+        std::make_shared<StoredImage>(PixelRect{0, 0, 64, 1000}, true, StoredFormat::Compact);
     cache.keep(digest(9), digest(9), huge);
     EXPECT_FALSE(cache.find(digest(9), rect));
     EXPECT_TRUE(cache.find(digest(201), rect));

@@ -3,6 +3,7 @@
 #include "Bitmap.h"
 #include "PixelKernels.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace orvane {
@@ -142,6 +143,9 @@ NodePtr makeNode(NodeData data, std::vector<NodePtr> inputs, Extent extent, bool
     node->extent = extent;
     node->opaque = opaque;
     node->properties = node->inputs.empty() ? none : node->inputs.front()->properties;
+    const auto* source = node->as<SourceNode>();
+    node->extendedRange = (source && source->bitmap->type() == SampleType::F32)
+        || std::ranges::any_of(node->inputs, [](const NodePtr& n) { return n->extendedRange; });
     DigestBuilder digest;
     addData(digest, node->data);
     for (const NodePtr& input : node->inputs)

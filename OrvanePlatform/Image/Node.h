@@ -135,6 +135,8 @@ struct Node {
     Extent extent;
     /// Alpha is 1 at every pixel of the extent.
     bool opaque = false;
+    /// A source has float samples: there may be light far beyond white.
+    bool extendedRange = false;
     std::shared_ptr<const ImageProperties> properties;
     Digest digest;
 
@@ -143,7 +145,8 @@ struct Node {
 
 using NodePtr = std::shared_ptr<const Node>;
 
-/// Finishes a node: its digest from everything else, its properties from the first input.
+/// Finishes a node: its digest from everything else, its properties from the first input, its range
+/// from all of them.
 NodePtr makeNode(NodeData data, std::vector<NodePtr> inputs, Extent extent, bool opaque);
 
 /// The border of a Gaussian: ceil(3 sigma).

@@ -2,6 +2,7 @@
 #define HWY_TARGET_INCLUDE "PlaneConversion.cpp"
 #include <hwy/foreach_target.h>
 
+#include "CompactFloat-inl.h"
 #include "PlaneConversion.h"
 #include "Powers-inl.h"
 
@@ -13,35 +14,29 @@ HWY_BEFORE_NAMESPACE();
 namespace orvane::HWY_NAMESPACE {
 namespace {
 
-using HalfTag = hn::Rebind<hwy::float16_t, FloatTag>;
-
-constexpr int halvesOfLine = 32;
+constexpr int samplesOfLine = 32;
 
 /// A line at a time between the conversions: a burst of requests would fill the places that the
 /// processor has for those under way, and have the conversion wait for them.
 HWY_INLINE void fetchAlong(const uint8_t* next, int i)
 {
-    if (i % halvesOfLine == 0)
+    if (i % samplesOfLine == 0)
         __builtin_prefetch(next + i * 2);
 }
 
-void halvesFromFloatsRun(const float* from, uint16_t* to, int count, const uint8_t* next)
+void compactFromFloatsRun(const float* from, uint16_t* to, int count, const uint8_t* next)
 {
-    constexpr float largest = 65504.0f;
     for (int i = 0; i < count; i += int(Lanes::count())) {
         fetchAlong(next, i);
-        const Lanes held = clamp(Lanes::load(from + i), Lanes(-largest), Lanes(largest));
-        hn::StoreU(hn::DemoteTo(HalfTag(), held.v), HalfTag(),
-                   reinterpret_cast<hwy::float16_t*>(to + i));
+        storeCompact(Lanes::load(from + i), to + i);
     }
 }
 
-void floatsFromHalvesRun(const uint16_t* from, float* to, int count, const uint8_t* next)
+void floatsFromCompactRun(const uint16_t* from, float* to, int count, const uint8_t* next)
 {
     for (int i = 0; i < count; i += int(Lanes::count())) {
         fetchAlong(next, i);
-        const auto half = hn::LoadU(HalfTag(), reinterpret_cast<const hwy::float16_t*>(from + i));
-        hn::StoreU(hn::PromoteTo(FloatTag(), half), FloatTag(), to + i);
+        loadCompact(from + i).store(to + i);
     }
 }
 
@@ -202,12 +197,10 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
-#include "HalfFloat.h"
-
 namespace orvane {
 
-HWY_EXPORT(halvesFromFloatsRun);
-HWY_EXPORT(floatsFromHalvesRun);
+HWY_EXPORT(compactFromFloatsRun);
+HWY_EXPORT(floatsFromCompactRun);
 HWY_EXPORT(rgb8Run);
 HWY_EXPORT(rgb16Run);
 HWY_EXPORT(rgba8Run);
@@ -218,14 +211,14 @@ HWY_EXPORT(bgra8PremultipliedRun);
 HWY_EXPORT(matrixRun);
 HWY_EXPORT(premultiplyRun);
 
-void halvesFromFloats(const float* from, uint16_t* to, int count, const void* next)
+void compactFromFloats(const float* from, uint16_t* to, int count, const void* next)
 {
-    HWY_DYNAMIC_DISPATCH(halvesFromFloatsRun)(from, to, count, static_cast<const uint8_t*>(next));
+    HWY_DYNAMIC_DISPATCH(compactFromFloatsRun)(from, to, count, static_cast<const uint8_t*>(next));
 }
 
-void floatsFromHalves(const uint16_t* from, float* to, int count, const void* next)
+void floatsFromCompact(const uint16_t* from, float* to, int count, const void* next)
 {
-    HWY_DYNAMIC_DISPATCH(floatsFromHalvesRun)(from, to, count, static_cast<const uint8_t*>(next));
+    HWY_DYNAMIC_DISPATCH(floatsFromCompactRun)(from, to, count, static_cast<const uint8_t*>(next));
 }
 
 void applyMatrix(const float* m, float* const rgb[3], int count)

@@ -7,11 +7,11 @@
 
 namespace orvane {
 
-/// count floats from and to binary16, to nearest even; floats beyond its range become its largest
-/// number. Buffers are read and written up to rowPadding elements past the end. `next`: as many
-/// halves that will be read or written soon and may still be far away in memory.
-void halvesFromFloats(const float* from, uint16_t* to, int count, const void* next);
-void floatsFromHalves(const uint16_t* from, float* to, int count, const void* next);
+/// count floats from and to the 16 bits of CompactFloat-inl.h, to nearest. Buffers are read and
+/// written up to rowPadding elements past the end. `next`: as many compact floats that will be read
+/// or written soon and may still be far away in memory.
+void compactFromFloats(const float* from, uint16_t* to, int count, const void* next);
+void floatsFromCompact(const uint16_t* from, float* to, int count, const void* next);
 
 /// The working values of `count` pixels as an output row: encoded, clipped and rounded to nearest
 /// as the format asks; NaN becomes 0. planes[3] may be null. Writes exactly count pixels.

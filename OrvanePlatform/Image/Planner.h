@@ -21,7 +21,7 @@ struct StoredPlan {
     /// The averages that it is made of: those that a ReducedBlur blurs, or finer ones that coarser
     /// ones are made from; -1: none.
     int averages = -1;
-    /// Must not be rounded to halves.
+    /// Must not be rounded to compact floats.
     bool exact = false;
     PixelRect region; ///< in the node's pixels, or in cells of the coarse grid
 };

@@ -237,12 +237,16 @@ TEST_P(Warp, KeepsFractionsFarToTheRight)
         wide.clampedToExtent().transformed(CGAffineTransform{1, 1e-5, 0, 1, 0.123, 0});
     expectRed(slanted, {64100, 1, 64102, 2}, {99.877, 100.877}, 2e-4);
     expectSameInTiles(slanted, {63900, -1, 65003, 4}, 17, 2);
+    const CIImage tall = wide.oriented(6).transformed(CGAffineTransform::translation(0.25, 0.3));
+    const PixelRect end{1, 400, 2, 403};
+    expectSameDrawn(tall, end, 2e-5);
+    expectSameInTiles(tall, {-1, 990, 4, 1040}, 2, 17);
     // A map that asks for the whole width at once reads the same bits.
     const WarpKernel kernel{"whole", 1, mapAside,
                             [](const void*, const PixelRect&) { return CGRect(0, 0, 65000, 3); }};
     const CIImage whole = applyWarp(kernel, Parameters{}, wide, {0, 0, 65000, 3});
     const CIImage piece = wide.transformed(CGAffineTransform::translation(-0.3, 0));
-    for (const int x : {0, 13, 31990, 64980})
+    for (const int x : {0, 13, 7990, 64980})
         EXPECT_EQ(tiled(whole, {x, 0, x + 20, 3}), tiled(piece, {x, 0, x + 20, 3})) << x;
 }
 

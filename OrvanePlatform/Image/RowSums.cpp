@@ -4,7 +4,7 @@
 #define HWY_TARGET_INCLUDE "RowSums.cpp"
 #include <hwy/foreach_target.h>
 
-#include "Lanes-inl.h"
+#include "CompactFloat-inl.h"
 
 #include <algorithm>
 
@@ -86,9 +86,7 @@ HWY_INLINE Lanes samples(const float* from)
 }
 HWY_INLINE Lanes samples(const uint16_t* from)
 {
-    const hn::Rebind<hwy::float16_t, FloatTag> halves;
-    return hn::PromoteTo(FloatTag(),
-                         hn::LoadU(halves, reinterpret_cast<const hwy::float16_t*>(from)));
+    return loadCompact(from);
 }
 
 template <class Sample>
@@ -113,8 +111,8 @@ void halveFloatsDownRun(const std::array<const float*, 4>& rows,
     halveRowsDown(rows, next, out, count);
 }
 
-void halveHalvesDownRun(const std::array<const uint16_t*, 4>& rows,
-                        const std::array<const uint16_t*, 2>& next, float* out, int count)
+void halveCompactDownRun(const std::array<const uint16_t*, 4>& rows,
+                         const std::array<const uint16_t*, 2>& next, float* out, int count)
 {
     halveRowsDown(rows, next, out, count);
 }
@@ -216,7 +214,7 @@ namespace orvane {
 HWY_EXPORT(convolveAcrossRun);
 HWY_EXPORT(convolveDownRun);
 HWY_EXPORT(halveFloatsDownRun);
-HWY_EXPORT(halveHalvesDownRun);
+HWY_EXPORT(halveCompactDownRun);
 HWY_EXPORT(halveAcrossRun);
 HWY_EXPORT(blendRowsRun);
 HWY_EXPORT(doubleAcrossRun);
@@ -243,7 +241,7 @@ void halveDown(const std::array<const float*, 4>& rows, const std::array<const f
 void halveDown(const std::array<const uint16_t*, 4>& rows,
                const std::array<const uint16_t*, 2>& next, float* out, int count)
 {
-    HWY_DYNAMIC_DISPATCH(halveHalvesDownRun)(rows, next, out, count);
+    HWY_DYNAMIC_DISPATCH(halveCompactDownRun)(rows, next, out, count);
 }
 
 void halveAcross(const float* in, float* out, int count)

@@ -22,8 +22,8 @@ struct RowBlock {
 /// that the first of `out` lies over.
 void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
                   const float* weights, int reach);
-/// out = (1 3 3 1) / 8 of four rows of floats or of halves. `next`: two rows that will be read
-/// soon.
+/// out = (1 3 3 1) / 8 of four rows of floats or of compact ones. `next`: two rows that will be
+/// read soon.
 void halveDown(const std::array<const float*, 4>& rows, const std::array<const float*, 2>& next,
                float* out, int count);
 void halveDown(const std::array<const uint16_t*, 4>& rows,

@@ -51,7 +51,7 @@ const float* StoredImage::floatRow(int channel, int y) const
     return static_cast<const float*>(static_cast<const void*>(element(channel, m_rect.x0, y)));
 }
 
-const uint16_t* StoredImage::halfRow(int channel, int y) const
+const uint16_t* StoredImage::compactRow(int channel, int y) const
 {
     return static_cast<const uint16_t*>(static_cast<const void*>(element(channel, m_rect.x0, y)));
 }
@@ -74,11 +74,11 @@ void StoredImage::write(const TilePlanes& planes, const PixelRect& rect)
                 std::memcpy(to, from, size_t(width) * sizeof(float));
                 continue;
             }
-            auto* halves = static_cast<uint16_t*>(static_cast<void*>(to));
-            halvesFromFloats(from, halves, whole, nextRow + size_t(c) * planeBytes());
+            auto* samples = static_cast<uint16_t*>(static_cast<void*>(to));
+            compactFromFloats(from, samples, whole, nextRow + size_t(c) * planeBytes());
             // The neighbouring tile's pixels must not be touched.
-            halvesFromFloats(from + whole, last, width - whole, last);
-            std::copy_n(last, width - whole, halves + whole);
+            compactFromFloats(from + whole, last, width - whole, last);
+            std::copy_n(last, width - whole, samples + whole);
         }
     }
 }
@@ -113,9 +113,9 @@ void StoredImage::readRow(int y, const TilePlanes& planes) const
     for (int c = 0; c < planes.channels(); ++c) {
         const void* const from = row + size_t(c) * planeBytes();
         const uint8_t* const next = nextRow + size_t(c) * planeBytes();
-        if (m_format == StoredFormat::Half) {
-            floatsFromHalves(static_cast<const uint16_t*>(from), planes.row(c, y), rect.width(),
-                             next);
+        if (m_format == StoredFormat::Compact) {
+            floatsFromCompact(static_cast<const uint16_t*>(from), planes.row(c, y), rect.width(),
+                              next);
             continue;
         }
         const size_t rowBytes = size_t(rect.width()) * sizeof(float);

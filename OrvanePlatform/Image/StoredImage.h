@@ -8,10 +8,11 @@
 
 namespace orvane {
 
-/// How an intermediate is kept. A half has 11 significant bits: an error of at most 0.03 of an
-/// 8-bit level after encoding, at half the bytes; where a sharpening then sets black against white,
-/// up to 0.3. Draws for 16-bit and float output keep floats.
-enum class StoredFormat { Half, Float };
+/// How an intermediate is kept. Compact floats have 12 significant bits (CompactFloat-inl.h): an
+/// error of at most 0.03 of an 8-bit level after encoding, at half the bytes; where black is then
+/// made out of what is light, up to 0.25. Draws for 16-bit and float output and those of pictures
+/// that have float samples keep floats.
+enum class StoredFormat { Compact, Float };
 
 /// A drawn intermediate: planes of a rectangle, kept between passes and, in the cache, between
 /// draws. Different tiles may be written from different threads at once.
@@ -43,13 +44,13 @@ public:
     /// Direct access to a row of floats; only of images in StoredFormat::Float.
     float* floatRow(int channel, int y);
     const float* floatRow(int channel, int y) const;
-    /// The same of halves; only of images in StoredFormat::Half.
-    const uint16_t* halfRow(int channel, int y) const;
+    /// The same of compact floats; only of images in StoredFormat::Compact.
+    const uint16_t* compactRow(int channel, int y) const;
     /// From a row of one channel to the same row of the next, in samples.
     std::ptrdiff_t channelStride() const { return std::ptrdiff_t(m_planeElements); }
 
 private:
-    size_t elementSize() const { return m_format == StoredFormat::Half ? 2 : 4; }
+    size_t elementSize() const { return m_format == StoredFormat::Compact ? 2 : 4; }
     size_t planeBytes() const { return m_planeElements * elementSize(); }
     uint8_t* element(int channel, int x, int y) const;
 

@@ -148,12 +148,14 @@ std::vector<bool> Drawing::findKept()
         return available;
     // Only what the picture asks for is looked up: what stands behind a kept image stays unused.
     std::vector<bool> wanted(m_plan.passes.size(), false);
+    std::vector<bool> lookedUp(m_stored.size(), false);
     wanted.back() = true;
     for (size_t p = m_plan.passes.size(); p-- > 0;) {
         for (const PlanStep& step : m_plan.passes[p].steps) {
-            if (!wanted[p] || step.stored < 0 || available[size_t(step.stored)])
+            if (!wanted[p] || step.stored < 0 || lookedUp[size_t(step.stored)])
                 continue;
             const auto stored = size_t(step.stored);
+            lookedUp[stored] = true;
             m_stored[stored] = m_cache.find(key(stored), m_plan.stored[stored].region);
             available[stored] = m_stored[stored] != nullptr;
             m_statistics.reusedImages += available[stored];
@@ -326,6 +328,9 @@ void Drawing::complete(size_t step)
             settleHistogram(pass);
         if (m_options.keepIntermediates && m_plan.stored[stored].form != Form::Averages)
             m_cache.keep(key(stored), role(stored), m_stored[stored]);
+        // There may be thousands, and this was all of it.
+        if (pass.patches)
+            m_passes[size_t(rows.pass)].evaluators.clear();
     }
     release(step);
 }

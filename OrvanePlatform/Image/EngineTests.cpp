@@ -5,7 +5,9 @@
 #include "CIContext.h"
 #include "Filters/CIFilter.h"
 #include "Filters/FilterTesting.h"
+#include "Filters/Patches.h"
 #include "Node.h"
+#include "PixelKernels.h"
 #include "Planner.h"
 #include "ReferenceRenderer.h"
 
@@ -209,8 +211,34 @@ TEST(Tiles, ABlurThatAMaskFadesInIsDrawnWhereTheMaskAsksForIt)
     }
 }
 
+int rowsFromOneBlur = 0;
+int rowsFromTwo = 0;
+
+/// Its first input; counts whether the second one is the same memory. For draws on one thread.
+void compareMemory(const void*, const float*, const PointwiseRow& row)
+{
+    ++(row.inputs[0][0] == row.inputs[1][0] ? rowsFromOneBlur : rowsFromTwo);
+    for (int c = 0; c < 4; ++c) {
+        if (row.output[c] && row.output[c] != row.inputs[0][c])
+            std::copy_n(row.inputs[0][c], row.count, row.output[c]);
+    }
+}
+
 TEST(Tiles, BlursOfOnePictureAreOneButAtItsEdges)
 {
+    static const PointwiseKernel comparison{
+        "comparison", 2, OpaqueRule::ChangesAlpha, Cover::None, compareMemory, compareMemory,
+        compareMemory};
+    const CIImage opaque = photograph(90, 80);
+    const CIImage both[] = {CIFilter::gaussianBlur(opaque.clampedToExtent(), 1.7),
+                            CIFilter::gaussianBlur(opaque, 1.7)};
+    rowsFromOneBlur = rowsFromTwo = 0;
+    drawn(applyKernel(comparison, Parameters{}, both, opaque.extent(), false),
+          CIContext({.threads = 1, .tileWidth = 30, .tileHeight = 20}), PixelFormat::RGBAFloat);
+    // Of 3 x 4 tiles of 20 rows, two have 6 pixels of the picture all around.
+    EXPECT_EQ(rowsFromOneBlur, 2 * 20);
+    EXPECT_EQ(rowsFromTwo, 10 * 20);
+
     for (const int channels : {3, 4}) {
         const CIImage picture = CIFilter::exposureAdjust(photograph(90, 80, channels), 0.3);
         const CIImage sharp = CIFilter::unsharpMask(picture, 1.7, 0.8); // edges repeated
@@ -321,16 +349,42 @@ TEST(Output, RoundsEncodesAndLimitsAsFilesNeed)
     EXPECT_EQ(drawn(half, context, PixelFormat::RGBA8Premultiplied),
               (std::vector<uint8_t>{59, 59, 59, 128}));
     EXPECT_EQ(drawn(half, context, PixelFormat::RGBA8), (std::vector<uint8_t>{118, 118, 118, 128}));
-    const float nan = std::nanf("");
-    const float infinity = HUGE_VALF;
-    const CIImage bad =
-        CIFilter::additionCompositing(pixelsImage(2, 1, {nan, infinity, -infinity, 1, 0, 0, 0, 1}),
-                                      CIImage::withColor({0, 0, 0, 0}));
-    EXPECT_EQ(drawn(bad.cropped({0, 0, 2, 1}), context, PixelFormat::RGB8).size(), 6u);
+    // Light without end, and what is no number, as pixels and as files.
+    const auto endless = [](float red, float green) {
+        return CIFilter::exposureAdjust(pixelsImage(1, 1, {red, green, 0, 1}), 100);
+    };
+    const CIImage difference =
+        CIFilter::additionCompositing(endless(1e30f, -1e30f), endless(-1e30f, 1e30f));
+    for (const PixelFormat format : {PixelFormat::RGB8, PixelFormat::RGB16}) {
+        const size_t bytesOfOne = format == PixelFormat::RGB8 ? 1 : 2;
+        std::vector<uint8_t> limited(3 * bytesOfOne, 0);
+        EXPECT_EQ(drawn(difference, context, format), limited);
+        std::fill_n(limited.begin(), bytesOfOne, uint8_t(255));
+        EXPECT_EQ(drawn(endless(1e30f, -1e30f), context, format), limited);
+    }
     // Outside the image: zeros.
     std::vector<float> outside(8, 9.0f);
     ASSERT_TRUE(context.render(half, outside.data(), 32, {5.9, 3, 2, 1}, PixelFormat::RGBAFloat));
     EXPECT_EQ(outside, std::vector<float>(8, 0.0f));
+}
+
+TEST(Output, LightFarBeyondWhiteIsKeptBetweenPasses)
+{
+    std::vector<float> rgba;
+    for (int i = 0; i < 41 * 41; ++i)
+        rgba.insert(rgba.end(), {i == 20 * 41 + 20 ? 1000.0f : 0.0f, 0, 0, 1});
+    const CIImage lamp = pixelsImage(41, 41, rgba);
+    const CIImage stored =
+        Patches::laidOn(lamp, {Patches::ground(lamp).cropped(CGRect(0, 0, 2, 2))});
+    const CIImage glow = CIFilter::gaussianBlur(stored, 4).cropped(lamp.extent());
+    const CIContext context;
+    const auto shallow = drawn(glow, context, PixelFormat::RGB8);
+    const auto deep = drawn(glow, context, PixelFormat::RGB16);
+    for (size_t i = 0; i < shallow.size(); ++i) {
+        uint16_t sample = 0;
+        std::memcpy(&sample, &deep[i * 2], 2);
+        ASSERT_NEAR(shallow[i], sample / 257.0, 0.51) << i;
+    }
 }
 
 /// Keeps its rows; refuses after a number of them.
@@ -502,6 +556,31 @@ TEST(Cache, SparesEarlierStagesAndChangesNothing)
     // A sub-rectangle is served by what was kept of the whole, and the other way about it is not.
     drawn(late(0.7).cropped({50, 50, 60, 60}), context, PixelFormat::BGRX8, keep);
     EXPECT_EQ(statistics.passes, 1);
+}
+
+TEST(Cache, KeepsAllPatchesHoweverLittleOfThePictureWasAsked)
+{
+    const CIImage picture = CIFilter::exposureAdjust(photograph(300, 300), 0.1);
+    const CIImage ground = Patches::ground(picture);
+    const auto patch = [&](int x, int y, int side, double dx, double dy) {
+        return ground.transformed(CGAffineTransform::translation(dx, dy))
+            .cropped(CGRect(x, y, side, side));
+    };
+    const CIImage image =
+        Patches::laidOn(picture,
+                        {patch(100, 100, 80, 70, 30), // its source begins at (30, 70)
+                         patch(90, 170, 30, 40, 40), // over its corner, and beyond it
+                         patch(120, 75, 10, 20, 20), // beside both, below what is asked
+                         patch(250, 30, 20, -40, 0)});
+    const CIContext context;
+    const DrawOptions keep{.keepIntermediates = true};
+    for (const CGRect& part : {CGRect(150, 120, 20, 20), CGRect(92, 185, 20, 10),
+                               CGRect(115, 70, 20, 20), CGRect(0, 0, 300, 300)}) {
+        const CIImage cropped = image.cropped(part);
+        EXPECT_EQ(drawn(cropped, context, PixelFormat::BGRX8, keep),
+                  drawn(cropped, CIContext(), PixelFormat::BGRX8))
+            << part.minX();
+    }
 }
 
 } // namespace

@@ -19,7 +19,8 @@
 // picture that differ at its edges alone, one.
 //
 // A picture with patches on it (healed spots) is stored. Each patch is a pass of its own, over its
-// own pixels, that reads the stored picture and draws over it, in the patches' order.
+// own pixels, that reads the stored picture and draws over it, in the patches' order. Nothing of a
+// patch's own recipe is stored.
 
 #include "Planner.h"
 
@@ -184,7 +185,7 @@ private:
         if (m_intermediates != Intermediates::Kept)
             return false;
         for (const PlanPass& pass : m_plan.passes) {
-            if (pass.steps.size() > longestTailSearch)
+            if (pass.patches || pass.steps.size() > longestTailSearch)
                 continue;
             for (size_t i = 0; i + 1 < pass.steps.size(); ++i) {
                 const PlanStep& step = pass.steps[i];
@@ -325,7 +326,7 @@ private:
         std::unordered_map<Digest, int> passesOf;
         for (const PlanPass& pass : m_plan.passes) {
             for (const PlanStep& step : pass.steps)
-                passesOf[step.node->digest] += step.stored < 0;
+                passesOf[step.node->digest] += step.stored < 0 && !pass.patches;
         }
         // From the last pass backwards and from its result backwards: the first shared node met is
         // the one to store, since storing it may leave nothing else shared. A move, crop or clamp
@@ -370,6 +371,8 @@ private:
     bool storeWideWindows()
     {
         for (auto pass = m_plan.passes.rbegin(); pass != m_plan.passes.rend(); ++pass) {
+            if (pass->patches)
+                continue;
             const PixelRect whole = extentOrRect(*pass);
             const int x = whole.x0 + std::max(0, (whole.width() - defaultTileWidth) / 2);
             const int y = whole.y0 + std::max(0, (whole.height() - defaultTileHeight) / 2);
@@ -422,21 +425,47 @@ private:
     {
         for (size_t p = m_plan.passes.size(); p-- > 0;) {
             PlanPass& pass = m_plan.passes[p];
-            pass.region = pass.target < 0 ? m_rect : drawnRegion(size_t(pass.target));
-            // Whole or not at all: what lies beyond the region may be another patch's source.
             if (pass.patches) {
-                const PixelRect place = pass.steps.back().node->extent.rect;
-                const bool isAsked = !place.intersection(pass.region).isEmpty();
-                pass.region = isAsked ? place : PixelRect{};
-                if (isAsked)
-                    m_plan.stored[size_t(pass.target)].region =
-                        m_plan.stored[size_t(pass.target)].region.united(place);
+                p = settlePatches(p);
+                continue;
             }
+            pass.region = pass.target < 0 ? m_rect : drawnRegion(size_t(pass.target));
             for (const StoredRead& read : storedReads(m_plan, pass, pass.region)) {
                 PixelRect& region = m_plan.stored[size_t(read.stored)].region;
                 region = region.united(read.rect);
             }
         }
+    }
+
+    /// The patches on one picture, of which pass `last` is the last; gives the first. Whole or not
+    /// at all, as what lies beyond the region may be another's source; and the region then holds
+    /// all that those drawn cover and read, so others may lie in it.
+    size_t settlePatches(size_t last)
+    {
+        const int target = m_plan.passes[last].target;
+        PixelRect& region = m_plan.stored[size_t(target)].region;
+        size_t first = last;
+        for (bool grown = true; grown;) {
+            const PixelRect before = region;
+            for (size_t p = last + 1; p-- > 0 && isPatchOn(target, m_plan.passes[p]);) {
+                PlanPass& pass = m_plan.passes[p];
+                first = p;
+                const PixelRect place = pass.steps.back().node->extent.rect;
+                if (!pass.region.isEmpty() || place.intersection(region).isEmpty())
+                    continue;
+                pass.region = place;
+                region = region.united(place);
+                for (const StoredRead& read : storedReads(m_plan, pass, place))
+                    region = region.united(read.rect);
+            }
+            grown = region != before;
+        }
+        return first;
+    }
+
+    static bool isPatchOn(int target, const PlanPass& pass)
+    {
+        return pass.patches && pass.target == target;
     }
 
     PixelRect drawnRegion(size_t target) const

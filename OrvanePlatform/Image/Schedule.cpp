@@ -35,6 +35,11 @@ public:
         const int rows = rowsAtOnce(last);
         for (int top = last.region.y1; top > last.region.y0; top -= rows)
             draw(int(m_plan.passes.size()) - 1, std::max(top - rows, last.region.y0), top);
+        // Patches may lie where nobody reads; what is kept must have them too.
+        for (size_t i = 0; i < m_groups.size(); ++i) {
+            if (!m_groups[i].empty())
+                drawDownTo(i, m_plan.stored[i].region.y0);
+        }
         settleWindows();
         return std::move(m_schedule);
     }
@@ -76,7 +81,7 @@ private:
         std::vector<std::vector<Patch>> patches(m_plan.stored.size());
         for (size_t p = 0; p < m_plan.passes.size(); ++p) {
             const PlanPass& pass = m_plan.passes[p];
-            if (!pass.patches || pass.region.isEmpty())
+            if (!pass.patches || pass.region.isEmpty() || m_available[size_t(pass.target)])
                 continue;
             auto& others = patches[size_t(pass.target)];
             Patch patch{int(p), pass.region, storedReads(m_plan, pass, pass.region), others.size()};

@@ -220,8 +220,12 @@ TEST(TileQueue, EveryTileFindsWhatItReadsWhoeverIsSlow)
     const CIImage last =
         CIFilter::maximumCompositing(counts, CIFilter::maximumCompositing(bloomed, turned))
             .cropped(image.extent());
-    const PixelRect rect = last.node()->extent.rect;
-    for (const int side : {0, 48}) {
+    const PixelRect whole = last.node()->extent.rect;
+    const struct {
+        int side;
+        PixelRect rect;
+    } cases[] = {{0, whole}, {48, whole}, {48, {0, 0, 40, 30}}};
+    for (const auto& [side, rect] : cases) {
         const Plan plan = makePlan(*last.node(), rect, side, side);
         const std::vector<bool> nothingKept(plan.stored.size(), false);
         const Schedule schedule = makeSchedule(plan, nothingKept, {.pixels = 3, .cells = 1});

@@ -83,7 +83,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 
 #include "Filters/CIFilter.h"
-#include "Filters/LinearColor.h"
+#include "Filters/ParameterColor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -104,8 +104,8 @@ constexpr double steepest = 1e30;
 
 template <class Record> void setColors(Record& record, const CIColor& color0, const CIColor& color1)
 {
-    std::ranges::copy(linearColor(color0), record.color0);
-    std::ranges::copy(linearColor(color1), record.color1);
+    std::ranges::copy(workingColor(color0), record.color0);
+    std::ranges::copy(workingColor(color1), record.color1);
 }
 
 bool isGrey(const float* color)
@@ -145,7 +145,7 @@ static GreyRange linearGradientRange(const Node& node, const PixelRect& rect)
 CIImage CIImage::withColor(const CIColor& color)
 {
     HWY_NAMESPACE::SolidColor::Record record;
-    std::ranges::copy(linearColor(color), record.color);
+    std::ranges::copy(workingColor(color), record.color);
     return applyKernel(solidColorKernel, Parameters::of(record), {}, CGRect::infinite(),
                        color.alpha == 1);
 }

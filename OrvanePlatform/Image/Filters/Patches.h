@@ -9,7 +9,8 @@
 namespace orvane::Patches {
 
 /// What the recipes of a picture's patches begin with: it stands for the picture so far, whose
-/// extent and opacity it has. Of no use in any other recipe.
+/// extent and opacity it has. Of no use in any other recipe. A patch's recipe is drawn in one go:
+/// it must hold no histogram and no blur so wide that it is drawn at a reduced size.
 CIImage ground(const CIImage& picture);
 
 /// The picture, of a finite extent, with each patch in the place of what lies in its extent; parts

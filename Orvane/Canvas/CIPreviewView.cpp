@@ -1,6 +1,7 @@
 #include "CIPreviewView.h"
 
 #include "AppModel.h"
+#include "BackgroundWork.h"
 #include "OverlayPainter.h"
 #include "Theme.h"
 
@@ -9,7 +10,6 @@
 #include <QNativeGestureEvent>
 #include <QPainter>
 #include <QWheelEvent>
-#include <QtConcurrent>
 
 #include <cmath>
 
@@ -222,11 +222,12 @@ void CIPreviewView::fitPicture(const QSize& whole, const QRect& seen)
 {
     if (std::exchange(m_isFitting, true))
         return;
-    QtConcurrent::run(&m_pool,
-                      [whole, part = partWorthFitting(seen, whole), picture = m_picture.picture()] {
-                          return std::pair(picture, fittedTo(whole, part, picture));
-                      })
-        .then(this, [this](const std::pair<QImage, FittedPicture>& fitted) {
+    runInBackground(
+        m_pool, *this,
+        [whole, part = partWorthFitting(seen, whole), picture = m_picture.picture()] {
+            return std::pair(picture, fittedTo(whole, part, picture));
+        },
+        [this](const std::pair<QImage, FittedPicture>& fitted) {
             m_isFitting = false;
             m_picture.takeFit(fitted.first, fitted.second);
             update();

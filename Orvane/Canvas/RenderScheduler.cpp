@@ -1,6 +1,6 @@
 #include "RenderScheduler.h"
 
-#include <QtConcurrent>
+#include "BackgroundWork.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,7 +15,7 @@ constexpr size_t keptPictures = 3;
 RenderedPicture renderedOrWhyNot(const RenderScheduler::Render& render,
                                  const CancellationToken& token)
 {
-    // What throws here is memory alone. A future that holds an exception would never call back.
+    // What throws here is memory alone. A future that holds an exception would throw it here again.
     try {
         return render(token);
     } catch (const std::exception&) {
@@ -111,19 +111,19 @@ void RenderScheduler::start(const Render& render, bool isDraft)
     const auto token = std::make_shared<CancellationToken>();
     m_running = token;
     m_isDrafting = isDraft;
-    QtConcurrent::run(&m_pool, [render, token] {
-        return renderedOrWhyNot(render, *token);
-    }).then(this, [this, token, isDraft, key = *m_wanted](const RenderedPicture& picture) {
-        if (token->isCancelled())
-            return;
-        m_running.reset();
-        m_isDrafting = false;
-        if (!isDraft)
-            finish(key, picture);
-        else if (!picture.picture.isNull())
-            showDraft(key, picture);
-        proceed();
-    });
+    runInBackground(
+        m_pool, *this, [render, token] { return renderedOrWhyNot(render, *token); },
+        [this, token, isDraft, key = *m_wanted](const RenderedPicture& picture) {
+            if (token->isCancelled())
+                return;
+            m_running.reset();
+            m_isDrafting = false;
+            if (!isDraft)
+                finish(key, picture);
+            else if (!picture.picture.isNull())
+                showDraft(key, picture);
+            proceed();
+        });
 }
 
 void RenderScheduler::showDraft(const RenderKey& key, RenderedPicture picture)

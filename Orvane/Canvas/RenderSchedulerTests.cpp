@@ -139,6 +139,7 @@ TEST_F(RenderSchedulerTest, DraftsFollowADragOneAtATimeAndTheFinishedPictureFoll
     scheduler.request(key(5), counted(5), Start::Debounced, counted(105));
     waitUntilShown(5);
     mayEnd.release();
+    pool.waitForDone(); // nobody else may take what it waits for
     EXPECT_EQ(shown, (std::vector{101, 103, 3, 105, 5}));
 
     // What needs no draft is not kept waiting by one, nor overtaken.

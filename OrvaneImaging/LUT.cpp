@@ -91,20 +91,29 @@ int parsedSize(std::string_view line)
     return parsed<int>(last).value_or(0);
 }
 
-/// Appends the line's numbers if it holds exactly three. Words between them are passed over; "inf"
-/// and "nan" are words, because nothing after the table could make such a colour finite again.
+/// Through a double, and where its exponents end a longer one, so that tiny values become 0 and
+/// huge ones infinite.
+std::optional<float> parsedFloat(std::string_view piece)
+{
+    if (const auto number = parsed<double>(piece))
+        return float(*number);
+    if (const auto number = parsed<long double>(piece))
+        return float(*number);
+    return {};
+}
+
+/// Appends the line's numbers if it holds exactly three. Words between them are passed over.
 void readEntry(std::string_view line, std::vector<float>& rgba)
 {
     float entry[4] = {0, 0, 0, 1};
     size_t count = 0;
     while (!line.empty()) {
-        // Through a double, so that tiny values become 0 and not an error.
-        const auto number = parsed<double>(takePiece(line));
-        if (!number || !std::isfinite(float(*number)))
+        const auto number = parsedFloat(takePiece(line));
+        if (!number)
             continue;
         if (count == 3)
             return;
-        entry[count++] = float(*number);
+        entry[count++] = *number;
     }
     if (count == 3)
         rgba.insert(rgba.end(), entry, entry + 4);
@@ -179,6 +188,9 @@ size_t entryCount(int dimension)
 
 std::optional<LUT> LUT::fromRGBA(int dimension, std::vector<float> rgba)
 {
+    // Nothing after the table could make a colour of infinities finite again.
+    if (!std::ranges::all_of(rgba, [](float value) { return std::isfinite(value); }))
+        return {};
     auto table = ColorTable::make(dimension, std::move(rgba));
     return table ? std::optional(LUT(std::move(*table))) : std::nullopt;
 }

@@ -238,7 +238,9 @@ Stats analyze(const CIImage& image, double sample)
 
     const size_t rowBytes = size_t(frame.width()) * 4;
     std::vector<uint8_t> pixels(rowBytes * size_t(frame.height()));
-    Baker::context().render(small, pixels.data(), rowBytes, frame, PixelFormat::RGBA8Premultiplied);
+    if (!Baker::context().render(small, pixels.data(), rowBytes, frame,
+                                 PixelFormat::RGBA8Premultiplied))
+        return {};
     Histogram histogram;
     for (size_t i = 0; i < pixels.size(); i += 4)
         histogram.add(&pixels[i]);

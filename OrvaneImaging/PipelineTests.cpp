@@ -284,8 +284,8 @@ TEST(Pipeline, KeepsTheTiltShiftBandSharp)
 
 TEST(Pipeline, TiltsThePictureForPerspective)
 {
-    // The top edge is pulled in: what was at the top left corner moves inwards, and the wedge
-    // beside it repeats the edge instead of opening.
+    // The top edge is pulled in: what was at the top left corner moves inwards, and in the wedge
+    // beside it the picture from before shows instead of nothing.
     const CIImage image = picture(100, 80, [](int x, int) {
         return Color{x < 2 ? 1.0f : 0.0f, 0, 0, 1};
     });

@@ -97,14 +97,10 @@ std::vector<Layer> drawnItems(const std::vector<Item>& items, const Frame& frame
         if (!isDrawable(item))
             continue;
         const Digest key = keyOf(item, frame);
-        try {
-            const PlacedBitmap drawing =
-                recentDrawings().drawing(key, [&] { return drawnItem(item, frame); });
-            if (drawing.bitmap)
-                layers.push_back({drawing, key});
-        } catch (const std::bad_alloc&) {
-            continue;
-        }
+        const PlacedBitmap drawing =
+            recentDrawings().drawing(key, [&] { return drawnItem(item, frame); });
+        if (drawing.bitmap)
+            layers.push_back({drawing, key});
     }
     return layers;
 }
@@ -139,13 +135,8 @@ std::vector<PlacedBitmap> joined(const std::vector<Layer>& layers)
             key.add(layers[member].key);
             drawings.push_back(layers[member].drawing);
         }
-        try {
-            result.push_back(
-                recentDrawings().drawing(key.digest(), [&] { return laidTogether(drawings); }));
-        } catch (const std::bad_alloc&) {
-            for (const size_t member : group)
-                result.push_back(layers[member].drawing);
-        }
+        result.push_back(
+            recentDrawings().drawing(key.digest(), [&] { return laidTogether(drawings); }));
     }
     return result;
 }
@@ -153,7 +144,7 @@ std::vector<PlacedBitmap> joined(const std::vector<Layer>& layers)
 } // namespace
 
 CIImage draw(const std::vector<Item>& items, const CIImage& image)
-{
+try {
     const CGRect extent = image.extent();
     if (extent.isInfinite() || !(extent.width() >= 1) || !(extent.height() >= 1))
         return image;
@@ -167,6 +158,8 @@ CIImage draw(const std::vector<Item>& items, const CIImage& image)
                      .settingProperties(image.properties());
     }
     return result;
+} catch (const std::bad_alloc&) {
+    return image;
 }
 
 } // namespace orvane::TextLayers

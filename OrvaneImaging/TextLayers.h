@@ -24,8 +24,7 @@ struct Item {
 };
 
 /// The items drawn over the image in order, later ones on top; wrapped at 96 % of its width.
-/// With nothing to draw, or an infinite or empty image, the image itself. Never fails: text that
-/// cannot be drawn is left out.
+/// With nothing to draw, too little memory for it, or an infinite or empty image, the image itself.
 CIImage draw(const std::vector<Item>& items, const CIImage& image);
 
 } // namespace orvane::TextLayers

@@ -566,12 +566,12 @@ TEST(Cache, KeepsAllPatchesHoweverLittleOfThePictureWasAsked)
         return ground.transformed(CGAffineTransform::translation(dx, dy))
             .cropped(CGRect(x, y, side, side));
     };
-    const CIImage image =
-        Patches::laidOn(picture,
-                        {patch(100, 100, 80, 70, 30), // its source begins at (30, 70)
-                         patch(90, 170, 30, 40, 40), // over its corner, and beyond it
-                         patch(120, 75, 10, 20, 20), // beside both, below what is asked
-                         patch(250, 30, 20, -40, 0)});
+    const CIImage image = Patches::laidOn(
+        picture,
+        {patch(100, 100, 80, 70, 30), // its source begins at (30, 70)
+         patch(90, 170, 30, 40, 40), // over its corner, and beyond it
+         patch(120, 75, 10, 60, -25), // below what is asked; its source is the first's
+         patch(250, 30, 20, -40, 0)});
     const CIContext context;
     const DrawOptions keep{.keepIntermediates = true};
     for (const CGRect& part : {CGRect(150, 120, 20, 20), CGRect(92, 185, 20, 10),

@@ -24,12 +24,13 @@ CIImage bloom(const CIImage& image, const Adjustments& a)
 CIImage halation(const CIImage& image, const Adjustments& a)
 {
     const double strength = a.halation / 100;
-    const CIImage glow = CIFilter::colorMatrix(image,
-                                               {.red = {strength, 0, 0, 0},
-                                                .green = {0, 0.42 * strength, 0, 0},
-                                                .blue = {0, 0, 0.22 * strength, 0}});
     const double radius = std::max(shortSide(image) * 0.025, 6.0);
-    const CIImage scattered = CIFilter::gaussianBlur(glow, radius).cropped(image.extent());
+    // The glow's colour comes after the blur: what is blurred is then the picture that is in memory.
+    const CIImage blurred = CIFilter::gaussianBlur(image, radius).cropped(image.extent());
+    const CIImage scattered = CIFilter::colorMatrix(blurred,
+                                                    {.red = {strength, 0, 0, 0},
+                                                     .green = {0, 0.42 * strength, 0, 0},
+                                                     .blue = {0, 0, 0.22 * strength, 0}});
     return CIFilter::screenBlendMode(scattered, image);
 }
 

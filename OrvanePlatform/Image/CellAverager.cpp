@@ -97,19 +97,18 @@ void CellAverager::finish()
     addUpTo(m_wanted.y1, [&](int, float* to) { std::fill_n(to, m_wanted.width(), 0.0f); });
 }
 
-bool CellAverager::readsInPlace(const StoredImage& image) const
+bool CellAverager::readsInPlace() const
 {
     const bool tall =
         m_edges == CoarseEdges::Repeated || (m_held.y0 == m_wanted.y0 && m_held.y1 == m_wanted.y1);
-    return tall && !m_held.isEmpty() && m_held.x0 == m_wanted.x0 && m_held.x1 == m_wanted.x1
-        && (m_channels == 3 || !image.opaque());
+    return tall && !m_held.isEmpty() && m_held.x0 == m_wanted.x0 && m_held.x1 == m_wanted.x1;
 }
 
 void CellAverager::add(const StoredImage& image)
 {
     if (m_held.isEmpty())
         return;
-    if (readsInPlace(image))
+    if (readsInPlace())
         return image.format() == StoredFormat::Compact ? addInPlace<uint16_t>(image)
                                                        : addInPlace<float>(image);
     const TilePlanes row = m_arena.rowPlanes(m_held, image.opaque());
@@ -121,6 +120,13 @@ void CellAverager::add(const StoredImage& image)
 
 template <class Sample> void CellAverager::addInPlace(const StoredImage& image)
 {
+    if (image.opaque() && m_channels == 4) {
+        // Of ones that nothing lies beside, the averages are ones.
+        for (int y = m_cells.y0; y < m_cells.y1; ++y)
+            std::fill_n(m_averages.floatRow(3, y) + (m_cells.x0 - m_averages.rect().x0),
+                        m_cells.width(), 1.0f);
+        m_channels = 3;
+    }
     takeMemory();
     const Level& finest = m_levels.front();
     const int left = m_wanted.x0 - image.rect().x0;

@@ -39,7 +39,7 @@ private:
     template <class Fill> void addUpTo(int y, const Fill& fill);
     void addRow(size_t level, int y);
     void addSums(size_t level, int j);
-    bool readsInPlace(const StoredImage& image) const;
+    bool readsInPlace() const;
     template <class Sample> void addInPlace(const StoredImage& image);
     void pad(const TilePlanes& planes, int y, int channel, float* to) const;
 

@@ -25,6 +25,23 @@ PixelRect averagesBehind(const Plan& plan, const StoredPlan& target, const Pixel
     return cellExtent(input, averages.factor).held(wanted, coarseEdges(input));
 }
 
+/// The patches on a picture that lie in a part of it.
+PixelRect patchesWithin(const PatchesNode& patched, const PixelRect& rect)
+{
+    PixelRect part;
+    for (const NodePtr& patch : patched.patches)
+        part = part.united(patch->extent.rect.intersection(rect));
+    return part;
+}
+
+/// What a step needs of the step that is its input n.
+PixelRect neededOfStep(const PlanStep& step, size_t n, const PixelRect& rect)
+{
+    if (const auto* patched = step.node->as<PatchesNode>())
+        return n == 0 ? rect : patchesWithin(*patched, rect);
+    return neededInput(*step.node, n, rect);
+}
+
 } // namespace
 
 PixelRect pixelsBehind(const Plan& plan, const PlanPass& pass, const PixelRect& rect)
@@ -69,7 +86,7 @@ void requestedRects(const PlanPass& pass, const PixelRect& rect, std::vector<Pix
         const PlanStep& step = pass.steps[i];
         for (size_t n = 0; n < step.inputs.size(); ++n) {
             PixelRect& request = requests[size_t(step.inputs[n])];
-            request = request.united(neededInput(*step.node, n, requests[i]));
+            request = request.united(neededOfStep(step, n, requests[i]));
         }
     }
 }

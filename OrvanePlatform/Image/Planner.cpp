@@ -20,7 +20,9 @@
 //
 // A picture with patches on it (healed spots) is stored. Each patch is a pass of its own, over its
 // own pixels, that reads the stored picture and draws over it, in the patches' order. Nothing of a
-// patch's own recipe is stored.
+// patch's own recipe is stored. Where one pass alone reads the picture, the patches keep to a small
+// part of it, and nothing is kept for later draws, that part alone is stored, and the pass lays the
+// patches on the picture as it draws it.
 
 #include "Planner.h"
 
@@ -43,6 +45,9 @@ constexpr double windowLimit = 1.35;
 /// Of rule 5: passes with more steps are left as they are.
 constexpr size_t longestTailSearch = 100;
 constexpr int coarsestFromPixels = 8;
+/// Of the picture: the most that is drawn twice for the patches on it.
+constexpr double smallPart = 0.1;
+
 bool isStructure(const Node& node)
 {
     return node.as<CropNode>() || node.as<ClampNode>() || node.as<OrthogonalNode>();
@@ -75,6 +80,26 @@ double inputDensity(const Node& node)
         return 1 / det;
     }
     return 1;
+}
+
+/// The pixels of the patches' ground that `rect` of a patch's recipe is made of.
+PixelRect groundBehind(const Node& node, const PixelRect& rect)
+{
+    if (node.as<PatchGroundNode>())
+        return rect;
+    PixelRect seen;
+    for (size_t n = 0; n < node.inputs.size(); ++n)
+        seen = seen.united(groundBehind(*node.inputs[n], neededInput(node, n, rect)));
+    return seen;
+}
+
+/// Whether the patches and all that they see lie in a small part of the picture.
+bool keepToSmallPart(const PatchesNode& patched, const Extent& picture)
+{
+    PixelRect part;
+    for (const NodePtr& patch : patched.patches)
+        part = part.united(patch->extent.rect).united(groundBehind(*patch, patch->extent.rect));
+    return part.area() <= smallPart * picture.rect.area();
 }
 
 /// What is averaged, and how coarsely; in order of the factor for one input.
@@ -148,7 +173,16 @@ private:
             return int(pass.steps.size()) - 1;
         }
         const auto form = storedForm(node);
-        if (form && !(drawsNode && *form == StoredPlan::Form::Whole)) {
+        if (isLaidInPass(node)) {
+            step.inputs.push_back(collectStep(pass, *node.inputs.front(), known, false));
+            PlanStep patches;
+            patches.node = &node;
+            patches.stored = storedImage(node, StoredPlan::Form::Whole);
+            pass.steps.push_back(std::move(patches));
+            step.inputs.push_back(int(pass.steps.size()) - 1);
+            for (const int input : step.inputs)
+                ++pass.steps[size_t(input)].readers;
+        } else if (form && !(drawsNode && *form == StoredPlan::Form::Whole)) {
             step.stored = storedImage(node, *form);
         } else {
             for (const NodePtr& input : node.inputs)
@@ -161,15 +195,29 @@ private:
         return int(pass.steps.size()) - 1;
     }
 
-    std::optional<StoredPlan::Form> storedForm(const Node& node) const
+    std::optional<StoredPlan::Form> storedForm(const Node& node)
     {
         if (isReducedBlur(node))
             return StoredPlan::Form::ReducedBlur;
         if (node.as<HistogramNode>())
             return StoredPlan::Form::Histogram;
-        if (m_whole.count(node.digest) || isKeptReduction(node) || node.as<PatchesNode>())
+        if (m_whole.count(node.digest) || isKeptReduction(node)
+            || (node.as<PatchesNode>() && !isLaidInPass(node)))
             return StoredPlan::Form::Whole;
         return {};
+    }
+
+    /// Of a picture with patches: whether the pass that reads it lays them on.
+    bool isLaidInPass(const Node& node)
+    {
+        const auto* patched = node.as<PatchesNode>();
+        if (!patched || !node.opaque || m_intermediates == Intermediates::Kept
+            || m_whole.count(node.digest))
+            return false;
+        const auto [small, first] = m_smallParts.try_emplace(node.digest, false);
+        if (first)
+            small->second = keepToSmallPart(*patched, node.extent);
+        return small->second;
     }
 
     // ---- Rule 5 ----
@@ -231,6 +279,7 @@ private:
         stored.form = form;
         // It is drawn once, and all that follows is made from it.
         stored.exact = isKeptReduction(node);
+        stored.aroundPatches = isLaidInPass(node);
         if (form == StoredPlan::Form::ReducedBlur) {
             stored.factor = blurReduction(node.as<GaussianNode>()->sigma);
             stored.averages = storedAverages(node, stored.factor);
@@ -325,8 +374,9 @@ private:
     {
         std::unordered_map<Digest, int> passesOf;
         for (const PlanPass& pass : m_plan.passes) {
+            const bool patches = pass.patches || drawsAroundPatches(pass);
             for (const PlanStep& step : pass.steps)
-                passesOf[step.node->digest] += step.stored < 0 && !pass.patches;
+                passesOf[step.node->digest] += step.stored < 0 && !patches;
         }
         // From the last pass backwards and from its result backwards: the first shared node met is
         // the one to store, since storing it may leave nothing else shared. A move, crop or clamp
@@ -343,11 +393,17 @@ private:
         return false;
     }
 
+    bool drawsAroundPatches(const PlanPass& pass) const
+    {
+        return pass.target >= 0 && m_plan.stored[size_t(pass.target)].aroundPatches;
+    }
+
     /// Not read straight from a source, and not made of nothing.
     bool worthStoring(const Node& node)
     {
         if (node.as<SourceNode>() || m_whole.count(node.digest) || isKeptReduction(node)
-            || isReducedBlur(node) || node.as<HistogramNode>() || node.as<PatchesNode>())
+            || isReducedBlur(node) || node.as<HistogramNode>()
+            || (node.as<PatchesNode>() && !isLaidInPass(node)))
             return false;
         return !isStructure(node) && dependsOnSource(node);
     }
@@ -505,6 +561,7 @@ private:
     std::map<AveragesKey, int> m_averages;
     std::unordered_set<Digest> m_whole;
     std::unordered_map<Digest, bool> m_dependsOnSource;
+    std::unordered_map<Digest, bool> m_smallParts; ///< by picture with patches
 };
 
 } // namespace

@@ -23,6 +23,8 @@ struct StoredPlan {
     int averages = -1;
     /// Must not be rounded to compact floats.
     bool exact = false;
+    /// Of a picture with patches: it holds only what the patches cover and see.
+    bool aroundPatches = false;
     PixelRect region; ///< in the node's pixels, or in cells of the coarse grid
 };
 

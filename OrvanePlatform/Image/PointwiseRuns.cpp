@@ -11,11 +11,41 @@ bool isPointwise(const PlanStep& step)
     return step.stored < 0 && step.node->as<PointwiseNode>();
 }
 
+/// Lays patches on the rows of its input.
+bool laysPatches(const PlanStep& step)
+{
+    return step.stored < 0 && step.node->as<PatchesNode>();
+}
+
+bool isCrop(const PlanStep& step)
+{
+    return step.stored < 0 && step.node->as<CropNode>();
+}
+
+/// Looks at nothing but the same row of its inputs.
+bool followsRows(const PlanStep& step)
+{
+    return isPointwise(step) || laysPatches(step) || isCrop(step);
+}
+
+/// Whether its pixels may be an input's, in the input's memory.
+bool passesOn(const PlanStep& step)
+{
+    return isCrop(step)
+        || (isPointwise(step) && step.node->as<PointwiseNode>()->kernel->cover != Cover::None);
+}
+
 /// Whether it can draw one row after the other. A resampling does not look at its own rows twice.
 bool drawsRows(const PlanStep& step)
 {
-    return step.stored >= 0 || step.node->as<PointwiseNode>() || step.node->as<SourceNode>()
+    return step.stored >= 0 || followsRows(step) || step.node->as<SourceNode>()
         || step.node->as<WarpNode>();
+}
+
+/// An input that ends earlier than its reader is copied into zeros first.
+bool isCopied(const PlanStep& input, const PlanStep& reader)
+{
+    return !isCrop(reader) && !input.node->extent.contains(reader.node->extent);
 }
 
 } // namespace
@@ -25,27 +55,30 @@ RowGroups::RowGroups(const PlanPass& pass)
     , oneRow(pass.steps.size(), false)
 {
     std::vector<int> group(pass.steps.size(), 0);
+    // By step: nothing of it is there before what waits has been run.
+    std::vector<bool> waits(pass.steps.size(), false);
     int current = 0;
     for (size_t i = 0; i < pass.steps.size(); ++i) {
         const PlanStep& step = pass.steps[i];
-        // A crop looks at the same rows of the same memory. An input that ends earlier than its
-        // reader is copied into zeros first.
-        const bool copies =
-            std::any_of(step.inputs.begin(), step.inputs.end(), [&](const int input) {
-                return !pass.steps[size_t(input)].node->extent.contains(step.node->extent);
-            });
-        runBefore[i] =
-            !step.inputs.empty() && (isPointwise(step) ? copies : !step.node->as<CropNode>());
+        const auto waiting = [&](const int input) {
+            return waits[size_t(input)] && group[size_t(input)] == current;
+        };
+        const auto copiedWhileWaiting = [&](const int input) {
+            return waiting(input) && isCopied(pass.steps[size_t(input)], step);
+        };
+        runBefore[i] = followsRows(step) ? std::ranges::any_of(step.inputs, copiedWhileWaiting)
+                                         : !step.inputs.empty();
         current += runBefore[i];
         group[i] = current;
+        waits[i] = isCrop(step) ? std::ranges::any_of(step.inputs, waiting) : followsRows(step);
         oneRow[i] = drawsRows(step);
     }
-    for (size_t i = 0; i < pass.steps.size(); ++i) {
+    // Readers first: what hands an input's row on needs readers that follow it.
+    for (size_t i = pass.steps.size(); i-- > 0;) {
         const PlanStep& reader = pass.steps[i];
         for (const int input : reader.inputs) {
-            // A program that may pass an input on makes its memory outlive the group.
-            const bool together = isPointwise(reader) && group[size_t(input)] == group[i]
-                && reader.node->as<PointwiseNode>()->kernel->cover == Cover::None;
+            const bool together = followsRows(reader) && group[size_t(input)] == group[i]
+                && !isCopied(pass.steps[size_t(input)], reader) && (!passesOn(reader) || oneRow[i]);
             oneRow[size_t(input)] = oneRow[size_t(input)] && together;
         }
     }

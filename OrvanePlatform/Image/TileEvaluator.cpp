@@ -243,10 +243,25 @@ TilePlanes TileEvaluator::partOf(size_t index, size_t from, const PixelRect& rec
     for (int c = 0; c < view.channels(); ++c)
         view.plane[c] = drawn.planes.at(c, rect.x0, rect.y0);
     view.rect = rect;
+    // The last step of a pass is drawn whole where its reader does not take rows.
+    if (view.stride == 0 && !m_groups.oneRow[index])
+        return copiedRows(view);
     // A row of the view that begins elsewhere could be written past its memory's end.
     m_drawn[index].reusable =
         drawn.reusable && drawn.planes.rect.x0 == rect.x0 && m_pass.steps[from].readers == 1;
     return view;
+}
+
+/// Planes for what comes as one row after the other.
+TilePlanes TileEvaluator::copiedRows(const TilePlanes& row)
+{
+    const TilePlanes out = m_arena.planes(row.rect, row.opaque());
+    const auto copyRow = [row, out](int y) {
+        for (int c = 0; c < out.channels(); ++c)
+            std::copy_n(row.row(c, y), row.rect.width(), out.row(c, y));
+    };
+    m_runs.add(row.rect, copyRow, {row, out});
+    return out;
 }
 
 /// The pixels of another step as this one's own; transparent where it has none.
@@ -350,16 +365,46 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Ort
     return out;
 }
 
+/// The picture with the patches on it.
+TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const PatchesNode& node,
+                                   const PixelRect& rect)
+{
+    const auto from = size_t(step.inputs[0]);
+    const Drawn& ground = m_drawn[from];
+    const Drawn& patched = m_drawn[size_t(step.inputs[1])];
+    const bool over = ground.reusable && ground.planes.rect == rect
+        && m_pass.steps[from].readers == 1 && (ground.planes.stride != 0 || m_groups.oneRow[index]);
+    if (over && patched.empty)
+        return ground.planes;
+    const TilePlanes picture = input(step, 0, rect);
+    const TilePlanes out = over            ? ground.planes
+        : m_groups.oneRow[index] ? m_arena.rowPlanes(rect, true)
+                                 : m_arena.planes(rect, true);
+    std::vector<PixelRect> places;
+    for (const NodePtr& patch : node.patches) {
+        const PixelRect place = patch->extent.rect.intersection(rect);
+        if (!place.isEmpty())
+            places.push_back(place);
+    }
+    const TilePlanes patches = patched.planes;
+    const auto layRow = [over, picture, out, patches, places](int y) {
+        for (int c = 0; c < out.channels(); ++c) {
+            if (!over)
+                std::copy_n(picture.at(c, out.rect.x0, y), out.rect.width(), out.row(c, y));
+            for (const PixelRect& place : places) {
+                if (y >= place.y0 && y < place.y1)
+                    std::copy_n(patches.at(c, place.x0, y), place.width(), out.at(c, place.x0, y));
+            }
+        }
+    };
+    m_runs.add(rect, layRow, {picture, patches, out});
+    return out;
+}
+
 TilePlanes TileEvaluator::drawNode(size_t, const PlanStep&, const HistogramNode&,
                                    const PixelRect& rect)
 {
-    // Always a stored leaf, as the next two are: the planner gives them passes of their own.
-    return m_arena.planes(rect, false);
-}
-
-TilePlanes TileEvaluator::drawNode(size_t, const PlanStep&, const PatchesNode&,
-                                   const PixelRect& rect)
-{
+    // Always a stored leaf, as the next one is: the planner gives them passes of their own.
     return m_arena.planes(rect, false);
 }
 

@@ -69,6 +69,7 @@ private:
     int decidingInput(const PlanStep& step, Cover cover) const;
     TilePlanes pointwiseOutput(size_t index, const PlanStep& step, bool opaque);
     TilePlanes partOf(size_t index, size_t from, const PixelRect& rect);
+    TilePlanes copiedRows(const TilePlanes& row);
     TilePlanes passedOn(size_t index, size_t from, const PixelRect& rect);
 
     TilePlanes drawStored(size_t index, const PlanStep& step, const PixelRect& rect);

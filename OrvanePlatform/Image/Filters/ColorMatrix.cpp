@@ -2,7 +2,8 @@
 // premultiplied by the new alpha. Pixels that were transparent stay so, bias or not.
 //
 // With the usual last row (0, 0, 0, 1) alpha does not change; that form is a kernel of its own, so
-// that opaque pictures stay opaque.
+// that opaque pictures stay opaque. So is a factor and an addend for each channel: on the stored
+// values it is factor c + addend a, and nothing need be divided by alpha.
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Filters/ColorMatrix.cpp"
@@ -35,6 +36,25 @@ struct ColourRows : StraightKernel<1> {
 };
 ORVANE_KERNEL_RUNS(ColourRows)
 
+struct Scales : PremultipliedKernel<1> {
+    struct Record {
+        float factors[3];
+        float addends[3];
+    };
+    template <class L>
+    static HWY_INLINE Pixel<L> pixel(const Record& p, const float*, const Pixel<L>* in, Place<L>)
+    {
+        const L zero(0.0f);
+        const auto visible = in->a > L(1e-30f);
+        const auto scaled = [&](L c, int i) HWY_ATTR {
+            return select(visible, mulAdd(c, L(p.factors[i]), in->a * L(p.addends[i])), zero);
+        };
+        return {scaled(in->r, 0), scaled(in->g, 1), scaled(in->b, 2),
+                select(visible, in->a, zero)};
+    }
+};
+ORVANE_KERNEL_RUNS(Scales)
+
 struct AllRows : StraightKernel<1> {
     static constexpr OpaqueRule rule = OpaqueRule::ChangesAlpha;
     using Record = MatrixRecord;
@@ -61,6 +81,7 @@ HWY_AFTER_NAMESPACE();
 namespace orvane {
 
 ORVANE_KERNEL(colourRowsKernel, ColourRows, "colorMatrix");
+ORVANE_KERNEL(scalesKernel, Scales, "colorMatrix by channel");
 ORVANE_KERNEL(allRowsKernel, AllRows, "colorMatrix with alpha");
 
 CIImage CIFilter::colorMatrix(const CIImage& input, const ColorMatrix& matrix)
@@ -69,6 +90,7 @@ CIImage CIFilter::colorMatrix(const CIImage& input, const ColorMatrix& matrix)
     HWY_NAMESPACE::MatrixRecord record{};
     bool sameColour = true;
     bool sameAlpha = true;
+    bool byChannel = true;
     for (size_t i = 0; i < 4; ++i) {
         std::copy(rows[i]->begin(), rows[i]->end(), record.m[i]);
         record.m[i][4] = float(matrix.bias[i]);
@@ -77,10 +99,19 @@ CIImage CIFilter::colorMatrix(const CIImage& input, const ColorMatrix& matrix)
                 return input;
             const bool same = record.m[i][j] == (i == j ? 1.0f : 0.0f);
             (i == 3 ? sameAlpha : sameColour) &= same;
+            byChannel &= i == 3 || i == j || j == 4 || record.m[i][j] == 0;
         }
     }
     if (sameColour && sameAlpha)
         return input;
+    if (sameAlpha && byChannel) {
+        HWY_NAMESPACE::Scales::Record scales;
+        for (size_t i = 0; i < 3; ++i) {
+            scales.factors[i] = record.m[i][i];
+            scales.addends[i] = record.m[i][4];
+        }
+        return applyKernel(scalesKernel, Parameters::of(scales), {{input}});
+    }
     return applyKernel(sameAlpha ? colourRowsKernel : allRowsKernel, Parameters::of(record),
                        {{input}});
 }

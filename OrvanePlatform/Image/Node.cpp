@@ -111,6 +111,21 @@ PixelRect clampedInto(const PixelRect& rect, const PixelRect& extent)
     return held;
 }
 
+/// Whether all pixels of `rect` are opaque, as far as the recipe tells without a look at any.
+bool isOpaqueOver(const Node& node, const PixelRect& rect)
+{
+    if (!node.extent.contains(rect))
+        return false;
+    if (node.as<CropNode>())
+        return isOpaqueOver(*node.inputs[0], rect);
+    // Away from its edges even what is turned, or put into perspective, hides what lies below.
+    if (const auto* warp = node.as<WarpNode>(); warp && !node.opaque) {
+        const PixelRect reach = warpReach(*warp, rect);
+        return !reach.isEmpty() && isOpaqueOver(*node.inputs[0], reach);
+    }
+    return node.opaque;
+}
+
 /// The part of `rect` in which input `index` has a say.
 PixelRect deciding(const Node& node, const PointwiseKernel& kernel, size_t index,
                    const PixelRect& rect)
@@ -119,8 +134,7 @@ PixelRect deciding(const Node& node, const PointwiseKernel& kernel, size_t index
         return kernel.deciding(node, index, rect);
     const Cover cover = kernel.cover;
     if (cover == Cover::FirstOverSecond && index == 1) {
-        const Node& first = *node.inputs[0];
-        return first.opaque && first.extent.contains(rect) ? PixelRect{} : rect;
+        return isOpaqueOver(*node.inputs[0], rect) ? PixelRect{} : rect;
     }
     if (cover == Cover::FirstWithinMask && index == 0)
         return node.inputs[2]->extent.clipped(rect);
@@ -156,6 +170,13 @@ NodePtr makeNode(NodeData data, std::vector<NodePtr> inputs, Extent extent, bool
     return node;
 }
 
+PixelRect warpReach(const WarpNode& warp, const PixelRect& rect)
+{
+    const CGRect region = warp.kernel->region(warp.parameters.record.data(), rect);
+    // A bilinear sample reads half a pixel to each side; one more covers rounding.
+    return roundedOutward(region.inset(-1.5, -1.5));
+}
+
 PixelRect neededInput(const Node& node, size_t index, const PixelRect& rect)
 {
     if (rect.isEmpty())
@@ -170,11 +191,7 @@ PixelRect neededInput(const Node& node, size_t index, const PixelRect& rect)
                  [&](const CropNode&) { return rect; },
                  [&](const ClampNode&) { return clampedRead(rect); },
                  [&](const OrthogonalNode& n) { return n.forward.inverted().apply(rect); },
-                 [&](const WarpNode& n) {
-                     const CGRect region = n.kernel->region(n.parameters.record.data(), rect);
-                     // A bilinear sample reads half a pixel to each side; one more covers rounding.
-                     return roundedOutward(region.inset(-1.5, -1.5));
-                 },
+                 [&](const WarpNode& n) { return warpReach(n, rect); },
                  [&](const HalveNode& n) { return clampedRead(halvedSource(n, rect)); },
                  [&](const GaussianNode& n) { return rect.grown(gaussianBorder(n.sigma)); },
                  [&](const LanczosNode& n) {

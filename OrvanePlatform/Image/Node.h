@@ -152,6 +152,9 @@ NodePtr makeNode(NodeData data, std::vector<NodePtr> inputs, Extent extent, bool
 /// The border of a Gaussian: ceil(3 sigma).
 int gaussianBorder(float sigma);
 
+/// The pixels that the samples of `rect` are made of, wherever the input has some.
+PixelRect warpReach(const WarpNode& warp, const PixelRect& rect);
+
 /// The pixels of input `index` that `node` needs to draw `rect` (within its extent), clipped to
 /// that input's extent. Empty when it needs none.
 PixelRect neededInput(const Node& node, size_t index, const PixelRect& rect);

@@ -3,7 +3,8 @@
 //
 // A fused pass ends, that is, an input is drawn into memory first, only where
 //   1. a neighbourhood or a resampling reads more than `windowLimit` times the pixels of its input
-//      that it would read without a border, tile for tile (a wide blur, a steep rotation);
+//      that it would read without a border, tile for tile (a wide blur, a steep rotation), or a
+//      resampling reads what another one has made, whose windows would be wider still;
 //   2. a blur is large enough to be computed at a reduced size: its reduced input, which blurs of
 //      the same picture share, and its reduced result are stored;
 //   3. a histogram counts: its counts are stored;
@@ -462,7 +463,8 @@ private:
             input = &pass.steps[size_t(input->inputs.front())];
         if (input->stored >= 0 || !worthStoring(*input->node))
             return false;
-        if (requests[index].area() <= windowLimit * needed[index])
+        const bool resampled = step.node->as<WarpNode>() && input->node->as<WarpNode>();
+        if (!resampled && requests[index].area() <= windowLimit * needed[index])
             return false;
         return m_whole.insert(input->node->digest).second;
     }

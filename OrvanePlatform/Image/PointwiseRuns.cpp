@@ -42,11 +42,31 @@ bool drawsRows(const PlanStep& step)
         || step.node->as<WarpNode>();
 }
 
-/// An input that ends earlier than its reader is copied into zeros first.
-bool isCopied(const PlanStep& input, const PlanStep& reader)
-{
-    return !isCrop(reader) && !input.node->extent.contains(reader.node->extent);
-}
+/// Which inputs are copied into zeros first: those that end before what is read of their reader
+/// does.
+class Copies {
+public:
+    explicit Copies(const PlanPass& pass)
+        : m_pass(pass)
+    {
+        const Extent& drawn = pass.steps.back().node->extent;
+        if (!drawn.infinite)
+            requestedRects(pass, drawn.rect, m_requests);
+    }
+    bool isCopied(int input, size_t reader) const
+    {
+        const PlanStep& step = m_pass.steps[reader];
+        const Extent& extent = m_pass.steps[size_t(input)].node->extent;
+        if (isCrop(step))
+            return false;
+        return m_requests.empty() ? !extent.contains(step.node->extent)
+                                  : !extent.contains(m_requests[reader]);
+    }
+
+private:
+    const PlanPass& m_pass;
+    std::vector<PixelRect> m_requests; ///< none: the pass's extent is infinite
+};
 
 } // namespace
 
@@ -57,6 +77,7 @@ RowGroups::RowGroups(const PlanPass& pass)
     std::vector<int> group(pass.steps.size(), 0);
     // By step: nothing of it is there before what waits has been run.
     std::vector<bool> waits(pass.steps.size(), false);
+    const Copies copies(pass);
     int current = 0;
     for (size_t i = 0; i < pass.steps.size(); ++i) {
         const PlanStep& step = pass.steps[i];
@@ -64,7 +85,7 @@ RowGroups::RowGroups(const PlanPass& pass)
             return waits[size_t(input)] && group[size_t(input)] == current;
         };
         const auto copiedWhileWaiting = [&](const int input) {
-            return waiting(input) && isCopied(pass.steps[size_t(input)], step);
+            return waiting(input) && copies.isCopied(input, i);
         };
         runBefore[i] = followsRows(step) ? std::ranges::any_of(step.inputs, copiedWhileWaiting)
                                          : !step.inputs.empty();
@@ -78,7 +99,7 @@ RowGroups::RowGroups(const PlanPass& pass)
         const PlanStep& reader = pass.steps[i];
         for (const int input : reader.inputs) {
             const bool together = followsRows(reader) && group[size_t(input)] == group[i]
-                && !isCopied(pass.steps[size_t(input)], reader) && (!passesOn(reader) || oneRow[i]);
+                && !copies.isCopied(input, i) && (!passesOn(reader) || oneRow[i]);
             oneRow[size_t(input)] = oneRow[size_t(input)] && together;
         }
     }

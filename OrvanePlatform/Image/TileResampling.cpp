@@ -60,8 +60,7 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const War
     const Drawn& drawn = m_drawn[size_t(step.inputs[0])];
     if (drawn.empty)
         return coveringPlanes({}, rect, m_arena);
-    const PixelRect reach =
-        roundedOutward(node.kernel->region(node.parameters.record.data(), rect).inset(-1.5, -1.5));
+    const PixelRect reach = warpReach(node, rect);
     const bool inside = !reach.isEmpty() && step.node->inputs[0]->extent.contains(reach);
     const bool opaque = inside && drawn.planes.opaque();
     const BilinearWindow window(drawn.planes, reach, m_arena);

@@ -25,7 +25,8 @@ CIImage halation(const CIImage& image, const Adjustments& a)
 {
     const double strength = a.halation / 100;
     const double radius = std::max(shortSide(image) * 0.025, 6.0);
-    // The glow's colour comes after the blur: what is blurred is then the picture that is in memory.
+    // The glow's colour comes after the blur: what is blurred is then the picture that is in
+    // memory.
     const CIImage blurred = CIFilter::gaussianBlur(image, radius).cropped(image.extent());
     const CIImage scattered = CIFilter::colorMatrix(blurred,
                                                     {.red = {strength, 0, 0, 0},

@@ -14,6 +14,19 @@ constexpr int keptBlurTileHeight = 128;
 /// Floats of one plane that a tile's widest step may hold; above it tiles shrink.
 constexpr double widestStep = 4.0 * defaultTileWidth * defaultTileHeight;
 constexpr int narrowestTile = 32;
+/// Of passes that look at nothing beside a tile: low ones have what they read and draw held for
+/// fewer rows, and wide ones meet fewer pages of memory.
+constexpr int rowTileWidth = 4 * defaultTileWidth;
+constexpr int rowTileHeight = defaultTileHeight / 6;
+
+bool followsRows(const PlanPass& pass)
+{
+    return std::ranges::all_of(pass.steps, [](const PlanStep& step) {
+        const Node& node = *step.node;
+        return step.stored >= 0 || node.as<PointwiseNode>() || node.as<CropNode>()
+            || node.as<SourceNode>() || node.as<PatchesNode>() || node.as<OrthogonalNode>();
+    });
+}
 
 /// Whole rows: beside a tile, readers of whole vectors would meet what is being drawn. All at once
 /// where a tile reads what another one draws over.
@@ -63,8 +76,14 @@ void chooseTiles(const Plan& plan, PlanPass& pass, int tileWidth, int tileHeight
         return fitPatchTiles(plan, pass, tileHeight);
     const StoredPlan* target = pass.target >= 0 ? &plan.stored[size_t(pass.target)] : nullptr;
     const bool fromCells = target && target->averages >= 0;
-    if (tileWidth == 0 && tileHeight == 0 && !fromCells)
+    const bool choose = tileWidth == 0 && tileHeight == 0;
+    const bool pixels = !target || target->factor == 1;
+    if (choose && pixels && intermediates == Intermediates::Freed && followsRows(pass)) {
+        pass.tileWidth = rowTileWidth;
+        pass.tileHeight = rowTileHeight;
+    } else if (choose && !fromCells) {
         fitTiles(plan, pass);
+    }
     if (!target || target->factor == 1)
         return;
     // From here on in cells: as many rows at a time as the full grid's tiles are high.

@@ -377,7 +377,7 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const Pat
     if (over && patched.empty)
         return ground.planes;
     const TilePlanes picture = input(step, 0, rect);
-    const TilePlanes out = over            ? ground.planes
+    const TilePlanes out = over  ? ground.planes
         : m_groups.oneRow[index] ? m_arena.rowPlanes(rect, true)
                                  : m_arena.planes(rect, true);
     std::vector<PixelRect> places;

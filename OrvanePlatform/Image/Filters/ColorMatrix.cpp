@@ -49,8 +49,7 @@ struct Scales : PremultipliedKernel<1> {
         const auto scaled = [&](L c, int i) HWY_ATTR {
             return select(visible, mulAdd(c, L(p.factors[i]), in->a * L(p.addends[i])), zero);
         };
-        return {scaled(in->r, 0), scaled(in->g, 1), scaled(in->b, 2),
-                select(visible, in->a, zero)};
+        return {scaled(in->r, 0), scaled(in->g, 1), scaled(in->b, 2), select(visible, in->a, zero)};
     }
 };
 ORVANE_KERNEL_RUNS(Scales)

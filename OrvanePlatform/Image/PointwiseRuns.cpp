@@ -88,7 +88,7 @@ RowGroups::RowGroups(const PlanPass& pass)
             return waiting(input) && copies.isCopied(input, i);
         };
         runBefore[i] = followsRows(step) ? std::ranges::any_of(step.inputs, copiedWhileWaiting)
-                                         : !step.inputs.empty();
+                                         : std::ranges::any_of(step.inputs, waiting);
         current += runBefore[i];
         group[i] = current;
         waits[i] = isCrop(step) ? std::ranges::any_of(step.inputs, waiting) : followsRows(step);

@@ -22,7 +22,7 @@ struct ScheduledRows {
 /// image, makes the window as high as it needs: in the worst case the whole image.
 struct Schedule {
     /// Steps side by side may be under way at the same time.
-    static constexpr size_t stepsAtOnce = 2;
+    static constexpr size_t stepsAtOnce = 3;
 
     struct Image {
         int rows = 0; ///< at most this many are alive at once; 0: not drawn

@@ -8,8 +8,6 @@
 
 namespace orvane {
 
-static_assert(Schedule::stepsAtOnce == 2, "one step to wait for");
-
 namespace {
 
 /// Tiles of a region in rows from the top, or shuffled.
@@ -82,22 +80,33 @@ void TileQueue::open()
         open.next.push_back(partStart(open.tiles.size(), worker, m_workers));
 }
 
-/// A tile of the step before that is not drawn yet and that the given one reads.
-std::optional<size_t> TileQueue::undrawnBehind(const OpenStep& open, const PixelRect& tile) const
+/// A tile of a step before that is not drawn yet and that the given one reads.
+std::optional<TileQueue::Awaited> TileQueue::undrawnBehind(const OpenStep& open,
+                                                           const PixelRect& tile) const
 {
-    const OpenStep& before = m_open.front();
-    for (const StoredRead& read : storedReads(m_plan, passOf(open), tile)) {
-        if (read.stored != passOf(before).target)
-            continue;
-        // Rows are read in whole vectors, by some in two at a time.
-        PixelRect reach = read.rect;
-        reach.x1 += 2 * rowPadding;
-        for (size_t i = 0; i < before.tiles.size(); ++i) {
-            if (!before.drawn[i] && !before.tiles[i].intersection(reach).isEmpty())
-                return i;
+    const std::vector<StoredRead> reads = storedReads(m_plan, passOf(open), tile);
+    for (const OpenStep& before : m_open) {
+        if (&before == &open)
+            break;
+        for (const StoredRead& read : reads) {
+            if (read.stored != passOf(before).target)
+                continue;
+            // Rows are read in whole vectors, by some in two at a time.
+            PixelRect reach = read.rect;
+            reach.x1 += 2 * rowPadding;
+            for (size_t i = 0; i < before.tiles.size(); ++i) {
+                if (!before.drawn[i] && !before.tiles[i].intersection(reach).isEmpty())
+                    return Awaited{before.step, i};
+            }
         }
     }
     return {};
+}
+
+bool TileQueue::isDrawn(const Awaited& awaited) const
+{
+    const auto open = std::ranges::find(m_open, awaited.step, &OpenStep::step);
+    return open == m_open.end() || open->drawn[awaited.tile];
 }
 
 /// Whether the next tile of a part finds what it reads.
@@ -105,12 +114,12 @@ bool TileQueue::isReady(OpenStep& open, size_t part) const
 {
     if (&open == &m_open.front())
         return true;
-    // It draws where the step before may still read.
+    // It draws where the steps before may still read.
     if (passOf(open).patches)
         return false;
     // Asked again and again until it is: what it was found to wait for is looked at first.
     auto& awaited = open.awaited[part];
-    if (!awaited || m_open.front().drawn[*awaited])
+    if (!awaited || isDrawn(*awaited))
         awaited = undrawnBehind(open, open.tiles[open.next[part]]);
     return !awaited;
 }

@@ -13,8 +13,8 @@ namespace orvane {
 
 /// The tiles of a schedule as workers take them. Whoever uses it from several threads holds a lock.
 ///
-/// Two steps of the schedule are open at once: a worker that finds no tile left in the first takes
-/// those of the second whose pixels are there, instead of waiting for the last tiles of the others.
+/// Some steps of the schedule are open at once: a worker that finds no tile left in the first takes
+/// those of the next whose pixels are there, instead of waiting for the last tiles of the others.
 /// Each worker begins at its own part of a step's tiles and helps out elsewhere when it is through
 /// with that: so what it reads of the step before is what it drew itself, and is still in its own
 /// cache.
@@ -40,18 +40,23 @@ public:
     bool complete() const { return m_open.empty() && m_next == m_schedule.steps.size(); }
 
 private:
+    struct Awaited {
+        size_t step = 0;
+        size_t tile = 0; ///< among that step's
+    };
     struct OpenStep {
         size_t step = 0;
         std::vector<PixelRect> tiles;
         std::vector<bool> drawn; ///< by tile
         std::vector<size_t> next; ///< by worker: the first of its part that nobody has taken
-        std::vector<std::optional<size_t>> awaited; ///< by worker: a tile of the step before
+        std::vector<std::optional<Awaited>> awaited; ///< by worker: a tile of a step before
         size_t left = 0; ///< tiles that are not drawn
     };
 
     const PlanPass& passOf(const OpenStep& open) const;
     size_t partEnd(const OpenStep& open, size_t worker) const;
-    std::optional<size_t> undrawnBehind(const OpenStep& open, const PixelRect& tile) const;
+    std::optional<Awaited> undrawnBehind(const OpenStep& open, const PixelRect& tile) const;
+    bool isDrawn(const Awaited& awaited) const;
     bool isReady(OpenStep& open, size_t part) const;
 
     const Plan& m_plan;

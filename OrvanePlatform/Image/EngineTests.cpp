@@ -80,6 +80,14 @@ TEST(Plan, PassesEndOnlyWhereTheyMust)
     const CIImage graded = CIFilter::vibrance(
         CIFilter::colorControls(CIFilter::gammaAdjust(bright, 1.2), {.saturation = 1.3}), 0.4);
     const auto flip = CGAffineTransform{-1, 0, 0, 1, 1200, 0};
+    const auto patched = [&](const std::vector<int>& places) {
+        const CIImage ground = Patches::ground(graded);
+        std::vector<CIImage> patches;
+        for (const int x : places)
+            patches.push_back(ground.transformed(CGAffineTransform::translation(40, 30))
+                                  .cropped(CGRect(x, x / 2, 20, 20)));
+        return CIFilter::exposureAdjust(Patches::laidOn(graded, patches), 0.1);
+    };
     const struct {
         const char* name;
         CIImage image;
@@ -107,6 +115,13 @@ TEST(Plan, PassesEndOnlyWhereTheyMust)
         {"but not what comes straight from a file",
          source.transformed(CGAffineTransform::rotation(0.7)), 1, 0},
         {"a reduction", CIFilter::lanczosScaleTransform(graded, 0.3), 1, 0},
+        {"what was resampled is stored to be resampled again",
+         graded.transformed(CGAffineTransform::rotation(0.02))
+             .cropped({30, 30, 1100, 800})
+             .transformed(CGAffineTransform::rotation(-0.02)),
+         2, 1},
+        {"one patch on a picture: its surroundings, itself, the picture", patched({60}), 3, 1},
+        {"patches all over a picture have it stored", patched({60, 800}), 4, 1},
         {"equal recipes built twice are drawn once",
          CIFilter::maximumCompositing(CIFilter::gaussianBlur(graded.clampedToExtent(), 30),
                                       CIFilter::gaussianBlur(graded.clampedToExtent(), 30))
@@ -286,6 +301,35 @@ TEST(Tiles, AgreeWithTheReference)
         // The large blurs at reduced size are the greater part of it.
         EXPECT_LT(worst, 2e-3) << channels << " channels";
     }
+}
+
+void expectTheReferencesPicture(const CIImage& image, const PixelRect& rect, double most)
+{
+    const auto fast = tiled(image, rect);
+    const auto exact = reference(image, rect);
+    ASSERT_EQ(fast.size(), exact.size());
+    for (size_t i = 0; i < fast.size(); ++i)
+        ASSERT_NEAR(fast[i], exact[i], most) << "sample " << i;
+}
+
+TEST(Tiles, RowsThatAreHandedOnAreWholeWhereThePictureEndsWithinItsBounds)
+{
+    const CIImage graded = CIFilter::exposureAdjust(photograph(150, 110), 0.3);
+    const CIImage caption = photograph(20, 10);
+    const PixelRect around{-10, -5, 170, 130};
+    expectTheReferencesPicture(graded.cropped({20, 30, 90, 60}), around, 1e-5);
+    expectTheReferencesPicture(caption.compositedOver(graded), around, 1e-5);
+    expectTheReferencesPicture(graded.cropped({5, 5, 100, 90}).compositedOver(caption), around,
+                               1e-5);
+}
+
+TEST(Tiles, ALargeBlurFadesAtTheEdgesOfAPictureInMemory)
+{
+    const CIImage source = photograph(1300, 240);
+    const CIImage stored = CIFilter::unsharpMask(source, 6, 0.5);
+    const CIImage image = CIFilter::dissolveTransition(
+        CIFilter::gaussianBlur(stored, 5.5).cropped(stored.extent()), stored, 0.25);
+    expectTheReferencesPicture(image, pixels(image), 2e-3);
 }
 
 TEST(Sources, EveryDepthAndLayoutIsReadAlike)

@@ -45,7 +45,7 @@ void CellAverager::takeMemory()
         Level& level = m_levels[i];
         level.cells = finerCells(m_cells, int(m_levels.size() - 1 - i));
         level.rows = rows(width, rowsOfCell);
-        level.sums = rows(width, 1);
+        level.sums = rows(width, 2);
         width = level.cells.width();
         level.result = rows(width, 1);
     }
@@ -137,12 +137,16 @@ template <class Sample> void CellAverager::addInPlace(const StoredImage& image)
         else
             return image.compactRow(c, held) + left;
     };
-    for (int j = finest.cells.y0; j < finest.cells.y1; ++j) {
+    for (int j = finest.cells.y0; j < finest.cells.y1; j += 2) {
         const int y = 2 * j - 1;
         for (int c = 0; c < m_channels; ++c)
-            halveDown({row(c, y), row(c, y + 1), row(c, y + 2), row(c, y + 3)},
-                      {row(c, y + 4), row(c, y + 5)}, finest.sums.row(c, 0), m_wanted.width());
-        addSums(0, j);
+            halvePairDown({row(c, y), row(c, y + 1), row(c, y + 2), row(c, y + 3), row(c, y + 4),
+                           row(c, y + 5)},
+                          {row(c, y + 6), row(c, y + 7), row(c, y + 8), row(c, y + 9)},
+                          finest.sums.row(c, 0), finest.sums.row(c, 1), m_wanted.width());
+        addSums(0, j, 0);
+        if (j + 1 < finest.cells.y1)
+            addSums(0, j + 1, 1);
     }
     m_next = m_wanted.y1;
 }
@@ -157,14 +161,13 @@ void CellAverager::addRow(size_t index, int y)
     const int width = index == 0 ? m_wanted.width() : m_levels[index - 1].cells.width();
     for (int c = 0; c < m_channels; ++c) {
         const auto row = [&](int n) { return level.rows.row(c, place(n)); };
-        halveDown({row(y - 3), row(y - 2), row(y - 1), row(y)}, {row(y), row(y)},
-                  level.sums.row(c, 0), width);
+        halveDown({row(y - 3), row(y - 2), row(y - 1), row(y)}, level.sums.row(c, 0), width);
     }
-    addSums(index, j);
+    addSums(index, j, 0);
 }
 
-/// A level's row j, from the sums of the four rows behind it.
-void CellAverager::addSums(size_t index, int j)
+/// A level's row j, from a row of sums of the four behind it.
+void CellAverager::addSums(size_t index, int j, int sums)
 {
     const Level& level = m_levels[index];
     const bool last = index + 1 == m_levels.size();
@@ -172,7 +175,7 @@ void CellAverager::addSums(size_t index, int j)
     for (int c = 0; c < m_channels; ++c) {
         // Whole vectors go to a row of our own: beside the cells lie another tile's.
         float* const to = last ? level.result.row(c, 0) : m_levels[index + 1].rows.row(c, place(j));
-        halveAcross(level.sums.row(c, 0), to, width);
+        halveAcross(level.sums.row(c, sums), to, width);
         if (last)
             std::copy_n(to, width,
                         m_averages.floatRow(c, j) + (level.cells.x0 - m_averages.rect().x0));

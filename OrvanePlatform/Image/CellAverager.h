@@ -31,14 +31,14 @@ private:
     struct Level {
         PixelRect cells;
         TilePlanes rows; ///< of the finer grid: row y at place y mod 4
-        TilePlanes sums; ///< one row, four of these summed
+        TilePlanes sums; ///< two rows, each of four of these summed
         TilePlanes result; ///< one row, halved across
     };
 
     void takeMemory();
     template <class Fill> void addUpTo(int y, const Fill& fill);
     void addRow(size_t level, int y);
-    void addSums(size_t level, int j);
+    void addSums(size_t level, int j, int sums);
     bool readsInPlace() const;
     template <class Sample> void addInPlace(const StoredImage& image);
     void pad(const TilePlanes& planes, int y, int channel, float* to) const;

@@ -89,32 +89,45 @@ HWY_INLINE Lanes samples(const uint16_t* from)
     return loadCompact(from);
 }
 
+void halveDownRun(const std::array<const float*, 4>& rows, float* out, int count)
+{
+    for (int i = 0; i < count; i += int(Lanes::count()))
+        halved(samples(rows[0] + i), samples(rows[1] + i), samples(rows[2] + i),
+               samples(rows[3] + i))
+            .store(out + i);
+}
+
+/// Two rows at once: the two that both are made of are turned into floats but once.
 template <class Sample>
-HWY_INLINE void halveRowsDown(const std::array<const Sample*, 4>& rows,
-                              const std::array<const Sample*, 2>& next, float* out, int count)
+HWY_INLINE void halveRowPairDown(const std::array<const Sample*, 6>& rows,
+                                 const std::array<const Sample*, 4>& next, float* low, float* high,
+                                 int count)
 {
     constexpr int line = int(64 / sizeof(Sample));
     for (int i = 0; i < count; i += int(Lanes::count())) {
         if (i % line == 0) {
-            __builtin_prefetch(next[0] + i);
-            __builtin_prefetch(next[1] + i);
+            for (const Sample* row : next)
+                __builtin_prefetch(row + i);
         }
-        halved(samples(rows[0] + i), samples(rows[1] + i), samples(rows[2] + i),
-               samples(rows[3] + i))
-            .store(out + i);
+        const Lanes middle = samples(rows[2] + i);
+        const Lanes above = samples(rows[3] + i);
+        halved(samples(rows[0] + i), samples(rows[1] + i), middle, above).store(low + i);
+        halved(middle, above, samples(rows[4] + i), samples(rows[5] + i)).store(high + i);
     }
 }
 
-void halveFloatsDownRun(const std::array<const float*, 4>& rows,
-                        const std::array<const float*, 2>& next, float* out, int count)
+void halveFloatPairDownRun(const std::array<const float*, 6>& rows,
+                           const std::array<const float*, 4>& next, float* low, float* high,
+                           int count)
 {
-    halveRowsDown(rows, next, out, count);
+    halveRowPairDown(rows, next, low, high, count);
 }
 
-void halveCompactDownRun(const std::array<const uint16_t*, 4>& rows,
-                         const std::array<const uint16_t*, 2>& next, float* out, int count)
+void halveCompactPairDownRun(const std::array<const uint16_t*, 6>& rows,
+                             const std::array<const uint16_t*, 4>& next, float* low, float* high,
+                             int count)
 {
-    halveRowsDown(rows, next, out, count);
+    halveRowPairDown(rows, next, low, high, count);
 }
 
 void halveAcrossRun(const float* in, float* out, int count)
@@ -213,8 +226,9 @@ namespace orvane {
 
 HWY_EXPORT(convolveAcrossRun);
 HWY_EXPORT(convolveDownRun);
-HWY_EXPORT(halveFloatsDownRun);
-HWY_EXPORT(halveCompactDownRun);
+HWY_EXPORT(halveDownRun);
+HWY_EXPORT(halveFloatPairDownRun);
+HWY_EXPORT(halveCompactPairDownRun);
 HWY_EXPORT(halveAcrossRun);
 HWY_EXPORT(blendRowsRun);
 HWY_EXPORT(doubleAcrossRun);
@@ -232,16 +246,21 @@ void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
     HWY_DYNAMIC_DISPATCH(convolveDownRun)(in, out, count, rows, weights, reach);
 }
 
-void halveDown(const std::array<const float*, 4>& rows, const std::array<const float*, 2>& next,
-               float* out, int count)
+void halveDown(const std::array<const float*, 4>& rows, float* out, int count)
 {
-    HWY_DYNAMIC_DISPATCH(halveFloatsDownRun)(rows, next, out, count);
+    HWY_DYNAMIC_DISPATCH(halveDownRun)(rows, out, count);
 }
 
-void halveDown(const std::array<const uint16_t*, 4>& rows,
-               const std::array<const uint16_t*, 2>& next, float* out, int count)
+void halvePairDown(const std::array<const float*, 6>& rows, const std::array<const float*, 4>& next,
+                   float* low, float* high, int count)
 {
-    HWY_DYNAMIC_DISPATCH(halveCompactDownRun)(rows, next, out, count);
+    HWY_DYNAMIC_DISPATCH(halveFloatPairDownRun)(rows, next, low, high, count);
+}
+
+void halvePairDown(const std::array<const uint16_t*, 6>& rows,
+                   const std::array<const uint16_t*, 4>& next, float* low, float* high, int count)
+{
+    HWY_DYNAMIC_DISPATCH(halveCompactPairDownRun)(rows, next, low, high, count);
 }
 
 void halveAcross(const float* in, float* out, int count)

@@ -22,12 +22,14 @@ struct RowBlock {
 /// that the first of `out` lies over.
 void convolveDown(const RowBlock& in, const RowBlock& out, int count, int rows,
                   const float* weights, int reach);
-/// out = (1 3 3 1) / 8 of four rows of floats or of compact ones. `next`: two rows that will be
-/// read soon.
-void halveDown(const std::array<const float*, 4>& rows, const std::array<const float*, 2>& next,
-               float* out, int count);
-void halveDown(const std::array<const uint16_t*, 4>& rows,
-               const std::array<const uint16_t*, 2>& next, float* out, int count);
+/// out = (1 3 3 1) / 8 of four rows.
+void halveDown(const std::array<const float*, 4>& rows, float* out, int count);
+/// The same of the lower four of six rows, floats or compact ones, into `low`, and of the upper
+/// four into `high`. `next`: rows that will be read soon.
+void halvePairDown(const std::array<const float*, 6>& rows, const std::array<const float*, 4>& next,
+                   float* low, float* high, int count);
+void halvePairDown(const std::array<const uint16_t*, 6>& rows,
+                   const std::array<const uint16_t*, 4>& next, float* low, float* high, int count);
 /// out[i] = (1 3 3 1) / 8 of in[2 i] .. in[2 i + 3].
 void halveAcross(const float* in, float* out, int count);
 /// A row, its two neighbours above one another, and one row beyond these; or a weight of each.

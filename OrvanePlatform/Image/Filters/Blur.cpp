@@ -62,6 +62,11 @@ struct VariableBlur : PremultipliedKernel<7> {
     static HWY_INLINE Pixel<L> pixel(const Record&, const float*, const Pixel<L>* in, Place<L>)
     {
         const L m = clamp(luma(in[6].r, in[6].g, in[6].b), L(0.0f), L(1.0f));
+        // At the ends one level decides alone, exactly; most of a picture lies there.
+        if (!anyTrue(m > L(0.0f)))
+            return in[0];
+        if (!anyTrue(m < L(1.0f)))
+            return in[5];
         Pixel<L> low = in[0];
         Pixel<L> high = in[1];
         L t(0.0f);
@@ -75,7 +80,6 @@ struct VariableBlur : PremultipliedKernel<7> {
         }
         const Pixel<L> between{mix(low.r, high.r, t), mix(low.g, high.g, t), mix(low.b, high.b, t),
                                mix(low.a, high.a, t)};
-        // At the ends one level decides alone, exactly.
         return chosen(m > L(0.0f), chosen(m < L(1.0f), between, in[5]), in[0]);
     }
 

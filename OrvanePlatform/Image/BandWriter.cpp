@@ -1,6 +1,7 @@
 #include "BandWriter.h"
 
 #include "PlaneConversion.h"
+#include "Schedule.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,8 +10,8 @@ namespace orvane {
 
 namespace {
 
-/// One band at the sink, one waiting, two being drawn.
-constexpr size_t bandsAhead = 4;
+/// One band at the sink, one waiting, the rest being drawn.
+constexpr size_t bandsAhead = 2 + Schedule::stepsAtOnce;
 
 } // namespace
 

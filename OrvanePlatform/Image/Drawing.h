@@ -18,7 +18,7 @@
 
 namespace orvane {
 
-/// Takes the picture as it is drawn. Rows come from the top; of two bands side by side both may be
+/// Takes the picture as it is drawn. Rows come from the top; several bands side by side may be
 /// under way.
 class PictureTarget {
 public:

@@ -323,6 +323,34 @@ TEST(Tiles, RowsThatAreHandedOnAreWholeWhereThePictureEndsWithinItsBounds)
                                1e-5);
 }
 
+TEST(Tiles, FewPatchesAreLaidOnAsThePictureIsDrawn)
+{
+    const CIImage graded = CIFilter::exposureAdjust(photograph(300, 300), 0.3);
+    const CIImage ground = Patches::ground(graded);
+    const auto patch = [&](int x, int y, int width, int height, double dx, double dy) {
+        return CIFilter::exposureAdjust(ground.transformed(CGAffineTransform::translation(dx, dy))
+                                            .cropped(CGRect(x, y, width, height)),
+                                        0.2);
+    };
+    const CIImage image = Patches::laidOn(graded,
+                                          {patch(100, 100, 20, 24, 14.5, 8),
+                                           patch(130, 120, 25, 18, -28, -14), // from the first
+                                           patch(112, 110, 30, 14, 9, 20)}); // over both
+    const PixelRect part = patch(108, 104, 24, 12, 0, 0).node()->extent.rect;
+    for (const CIImage& read :
+         {image, CIFilter::vibrance(image, 0.4), CIFilter::unsharpMask(image, 1, 0.5),
+          CIFilter::dissolveTransition(image, graded, 0.3)}) {
+        expectTheReferencesPicture(read, {-10, -5, 310, 320}, 1e-3);
+        expectTheReferencesPicture(read, part, 1e-3);
+        const auto whole = drawn(read, CIContext({.threads = 1}), PixelFormat::RGBA8);
+        for (const auto& [width, height] : {std::pair{33, 17}, std::pair{500, 1}})
+            EXPECT_EQ(drawn(read,
+                            CIContext({.tileWidth = width, .tileHeight = height, .shuffleSeed = 5}),
+                            PixelFormat::RGBA8),
+                      whole);
+    }
+}
+
 TEST(Tiles, ALargeBlurFadesAtTheEdgesOfAPictureInMemory)
 {
     const CIImage source = photograph(1300, 240);

@@ -143,7 +143,8 @@ PixelRect deciding(const Node& node, const PointwiseKernel& kernel, size_t index
 
 PixelRect halvedSource(const HalveNode& n, const PixelRect& r)
 {
-    return {n.originX + 2 * r.x0, n.originY + 2 * r.y0, n.originX + 2 * r.x1, n.originY + 2 * r.y1};
+    return {heldToInt(n.originX + 2.0 * r.x0), heldToInt(n.originY + 2.0 * r.y0),
+            heldToInt(n.originX + 2.0 * r.x1), heldToInt(n.originY + 2.0 * r.y1)};
 }
 
 } // namespace

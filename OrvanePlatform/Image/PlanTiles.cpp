@@ -14,17 +14,19 @@ constexpr int keptBlurTileHeight = 128;
 /// Floats of one plane that a tile's widest step may hold; above it tiles shrink.
 constexpr double widestStep = 4.0 * defaultTileWidth * defaultTileHeight;
 constexpr int narrowestTile = 32;
-/// Of passes that look at nothing beside a tile: low ones have what they read and draw held for
-/// fewer rows, and wide ones meet fewer pages of memory.
+/// Of passes that make rows of the same rows of what they read: low tiles have it held for fewer
+/// rows, and wide ones meet fewer pages of memory.
 constexpr int rowTileWidth = 4 * defaultTileWidth;
 constexpr int rowTileHeight = defaultTileHeight / 6;
 
-bool followsRows(const PlanPass& pass)
+bool keepsToRows(const PlanPass& pass)
 {
     return std::ranges::all_of(pass.steps, [](const PlanStep& step) {
         const Node& node = *step.node;
+        if (const auto* move = node.as<OrthogonalNode>(); move && step.stored < 0)
+            return move->forward.b == 0; // no quarter turn
         return step.stored >= 0 || node.as<PointwiseNode>() || node.as<CropNode>()
-            || node.as<SourceNode>() || node.as<PatchesNode>() || node.as<OrthogonalNode>();
+            || node.as<SourceNode>() || node.as<PatchesNode>();
     });
 }
 
@@ -78,7 +80,7 @@ void chooseTiles(const Plan& plan, PlanPass& pass, int tileWidth, int tileHeight
     const bool fromCells = target && target->averages >= 0;
     const bool choose = tileWidth == 0 && tileHeight == 0;
     const bool pixels = !target || target->factor == 1;
-    if (choose && pixels && intermediates == Intermediates::Freed && followsRows(pass)) {
+    if (choose && pixels && intermediates == Intermediates::Freed && keepsToRows(pass)) {
         pass.tileWidth = rowTileWidth;
         pass.tileHeight = rowTileHeight;
     } else if (choose && !fromCells) {

@@ -3,8 +3,9 @@
 //
 // A fused pass ends, that is, an input is drawn into memory first, only where
 //   1. a neighbourhood or a resampling reads more than `windowLimit` times the pixels of its input
-//      that it would read without a border, tile for tile (a wide blur, a steep rotation), or a
-//      resampling reads what another one has made, whose windows would be wider still;
+//      that it would read without a border, tile for tile (a wide blur, a steep rotation), or
+//      samples at mapped positions are taken of what such samples have made, through moves, crops
+//      and clamps: the windows of both would add up;
 //   2. a blur is large enough to be computed at a reduced size: its reduced input, which blurs of
 //      the same picture share, and its reduced result are stored;
 //   3. a histogram counts: its counts are stored;
@@ -21,9 +22,10 @@
 //
 // A picture with patches on it (healed spots) is stored. Each patch is a pass of its own, over its
 // own pixels, that reads the stored picture and draws over it, in the patches' order. Nothing of a
-// patch's own recipe is stored. Where one pass alone reads the picture, the patches keep to a small
-// part of it, and nothing is kept for later draws, that part alone is stored, and the pass lays the
-// patches on the picture as it draws it.
+// patch's own recipe is stored. Where one pass alone reads an opaque picture, a small rectangle
+// holds its patches and all that they see, and nothing is kept for later draws, that rectangle
+// alone is stored; rule 4 does not count what is drawn for it. The pass lays the patches on the
+// picture as it draws it.
 
 #include "Planner.h"
 

@@ -56,14 +56,22 @@ public:
     bool isCopied(int input, size_t reader) const
     {
         const PlanStep& step = m_pass.steps[reader];
-        const Extent& extent = m_pass.steps[size_t(input)].node->extent;
         if (isCrop(step))
             return false;
-        return m_requests.empty() ? !extent.contains(step.node->extent)
-                                  : !extent.contains(m_requests[reader]);
+        // What a mask lets through is drawn within the mask alone.
+        const bool masked = isPointwise(step) && input == step.inputs.front()
+            && step.node->as<PointwiseNode>()->kernel->cover == Cover::FirstWithinMask;
+        return endsEarly(input, reader) || (masked && endsEarly(step.inputs[2], reader));
     }
 
 private:
+    bool endsEarly(int input, size_t reader) const
+    {
+        const Extent& extent = m_pass.steps[size_t(input)].node->extent;
+        return m_requests.empty() ? !extent.contains(m_pass.steps[reader].node->extent)
+                                  : !extent.contains(m_requests[reader]);
+    }
+
     const PlanPass& m_pass;
     std::vector<PixelRect> m_requests; ///< none: the pass's extent is infinite
 };

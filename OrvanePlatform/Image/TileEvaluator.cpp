@@ -224,9 +224,12 @@ TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep&, const SourceNo
 
 /// The one input whose pixels are the result over the whole tile, or -1. Without any pixels, every
 /// input is.
-int TileEvaluator::decidingInput(const PlanStep& step, Cover cover) const
+int TileEvaluator::decidingInput(const PlanStep& step, Cover cover, const PixelRect& rect) const
 {
     const auto empty = [&](size_t n) { return m_drawn[size_t(step.inputs[n])].empty; };
+    // What is covered may have been drawn for another reader.
+    if (cover == Cover::FirstOverSecond && neededInput(*step.node, 1, rect).isEmpty())
+        return 0;
     if (cover == Cover::FirstOverSecond)
         return empty(1) ? 0 : (empty(0) ? 1 : -1);
     if (cover == Cover::FirstWithinMask)
@@ -280,7 +283,7 @@ TilePlanes TileEvaluator::passedOn(size_t index, size_t from, const PixelRect& r
 TilePlanes TileEvaluator::drawNode(size_t index, const PlanStep& step, const PointwiseNode& node,
                                    const PixelRect& rect)
 {
-    if (const int only = decidingInput(step, node.kernel->cover); only >= 0)
+    if (const int only = decidingInput(step, node.kernel->cover, rect); only >= 0)
         return passedOn(index, size_t(step.inputs[size_t(only)]), rect);
     PointwiseRuns::Run run;
     run.node = &node;

@@ -66,7 +66,7 @@ private:
     TilePlanes input(const PlanStep& step, size_t n, const PixelRect& rect);
     bool isSharedBlur(const PlanStep& step, const PixelRect& window, const PixelRect& rect) const;
     TilePlanes withRecipesAlpha(const PlanStep& step, TilePlanes planes);
-    int decidingInput(const PlanStep& step, Cover cover) const;
+    int decidingInput(const PlanStep& step, Cover cover, const PixelRect& rect) const;
     TilePlanes pointwiseOutput(size_t index, const PlanStep& step, bool opaque);
     TilePlanes partOf(size_t index, size_t from, const PixelRect& rect);
     TilePlanes copiedRows(const TilePlanes& row);

@@ -222,6 +222,14 @@ TEST(Compositing, TilesAgreeWithTheReference)
             expectSameDrawn(operation(input, background), rect);
         expectSameDrawn(CIFilter::dissolveTransition(input, background, 0.3), rect);
         expectSameDrawn(CIFilter::blendWithMask(input, background, mask), rect);
+        // Drawn within the mask alone, wherever that lies; as rows and, under a blur, as planes.
+        for (const int dx : {0, 30}) {
+            const CIImage blended =
+                CIFilter::blendWithMask(CIFilter::exposureAdjust(input, 1), input,
+                                        mask.transformed(CGAffineTransform::translation(dx, 4)));
+            expectSameDrawn(blended.cropped(input.extent()), rect);
+            expectSameDrawn(CIFilter::unsharpMask(blended.cropped(input.extent()), 1, 0.5), rect);
+        }
     }
 }
 

@@ -5,7 +5,8 @@
 #include <vector>
 
 /// Patches laid on a picture one after the other, each made of the picture as those before it have
-/// left it. Only their own pixels are drawn for them, each once, however long the chain.
+/// left it. Only their own pixels, and what they are made of, are drawn for them, however long the
+/// chain.
 namespace orvane::Patches {
 
 /// What the recipes of a picture's patches begin with: it stands for the picture so far, whose
